@@ -1,0 +1,55 @@
+#include "OstrelCLI/CalcCommand.h"
+
+#include "OstrelCore/Numbers.h"
+#include "OstrelEngine/Measures/CalcMeasure.h"
+#include "OstrelEngine/Widget/MeasureTable.h"
+#include "OstrelEngine/Widget/RuntimeExpressions.h"
+
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <string>
+
+namespace Ostrel::CalcCommand {
+
+namespace {
+
+using Evaluator = std::function<std::optional<double>(std::string_view text)>;
+
+/// Enough digits to tell any two doubles apart.
+constexpr int Precision = 17;
+
+/// As a running skin without variables and measures evaluates an expression.
+Evaluator expressionEvaluator() {
+    struct EmptySkin {
+        Options variables;
+        MeasureTable measures;
+        RuntimeExpressions expressions{variables, measures};
+    };
+    return [skin = std::make_shared<EmptySkin>()](
+               std::string_view text) { return skin->expressions.evaluateNumericExpressionWithMeasures(text); };
+}
+
+void printResult(const Evaluator& evaluate, std::string_view text) {
+    const auto value = evaluate(text);
+    std::cout << (value ? formatGeneral(*value, Precision) : "invalid") << "\n";
+}
+
+} // namespace
+
+int run(Arguments arguments) {
+    // A text may begin with dashes: "--3" is 3.
+    const bool isExpression = !arguments.empty() && arguments.front() == "--expression";
+    if (isExpression)
+        arguments = arguments.subspan(1);
+    const Evaluator evaluate = isExpression ? expressionEvaluator() : CalcMeasure::evaluateIfValid;
+    for (const auto text : arguments)
+        printResult(evaluate, text);
+    if (!arguments.empty())
+        return Done;
+    for (std::string line; std::getline(std::cin, line);)
+        printResult(evaluate, line);
+    return Done;
+}
+
+} // namespace Ostrel::CalcCommand

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "OstrelCLI/HeadlessApplication.h"
+#include "OstrelCLI/HeadlessAudio.h"
+#include "OstrelCLI/RecordingWorkspace.h"
+#include "OstrelEngine/Widget/CanvasInput.h"
+#include "OstrelEngine/Widget/SkinRuntime.h"
+#include "OstrelPlatform/Linux/FontconfigRegistrar.h"
+#include "OstrelPlatform/Linux/LazyRemoteReader.h"
+#include "OstrelPlatform/Linux/LinuxHostStatistics.h"
+#include "OstrelPlatform/Platform.h"
+#include "OstrelPlatform/VirtualTime.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace Ostrel {
+
+/// A skin that runs without a desktop: its clock and timer are the caller's, its figures the machine's.
+class HeadlessSkin {
+public:
+    /// Absent when the skin cannot be loaded, which has then been told on standard error. `wallSeconds` fixes the wall
+    /// clock.
+    static std::unique_ptr<HeadlessSkin> load(const std::string& path, std::optional<double> wallSeconds);
+    ~HeadlessSkin();
+    HeadlessSkin(const HeadlessSkin&) = delete;
+    HeadlessSkin& operator=(const HeadlessSkin&) = delete;
+
+    SkinRuntime& runtime() { return *runtime_; }
+    double elapsedSeconds() const { return time_.elapsedSeconds(); }
+
+    void start();
+    void stop();
+    /// The clock moves on by the update interval, then the timer's tick runs.
+    void tick();
+    /// The same after as much real time has passed, at most a second: for figures that are measured over an interval.
+    void tickInRealTime();
+    /// Moves the clock and nothing else.
+    void wait(double seconds);
+    /// Something that happens to the skin from outside, with all that it puts off until later.
+    void act(const std::function<void()>& happening);
+
+    /// What the pointer and the input field do; no window is there to send it.
+    CanvasInput& input() { return input_; }
+    RecordingWorkspace& workspace() { return workspace_; }
+
+    /// Every publication, and every call for the input field.
+    std::function<void(const std::vector<Drawable>&)> onUpdate;
+    std::function<void(const std::optional<InputTextPresentation>&)> onInputTextPrompt;
+    /// From here on each tick hears the next interval of this file. That it is no sound file is told on standard error.
+    void playAudio(const std::string& path);
+    /// Whether a file was asked for that cannot be read.
+    bool lacksInput() const { return lacksInput_; }
+
+private:
+    HeadlessSkin(SkinConfig config, std::optional<double> wallSeconds);
+
+    void publish(const std::vector<Drawable>& drawables);
+    void prompt(const std::optional<InputTextPresentation>& presentation);
+
+    HeadlessApplication application_;
+    VirtualTime time_;
+    LinuxHostStatistics hostStatistics_;
+    FontconfigRegistrar fonts_;
+    LazyRemoteReader remoteReader_;
+    HeadlessAudio audio_;
+    RecordingWorkspace workspace_;
+    std::vector<Drawable> drawables_;
+    CanvasInput input_{drawables_};
+    std::shared_ptr<SkinRuntime> runtime_;
+    bool lacksInput_ = false;
+};
+
+} // namespace Ostrel

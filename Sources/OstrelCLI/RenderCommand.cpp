@@ -1,0 +1,122 @@
+#include "OstrelCLI/RenderCommand.h"
+
+#include "OstrelCLI/HeadlessSkin.h"
+#include "OstrelCLI/RenderOptions.h"
+#include "OstrelCLI/Scenario.h"
+#include "OstrelCLI/TextInput.h"
+#include "OstrelCore/AtomicFile.h"
+#include "OstrelCore/Numbers.h"
+#include "OstrelEngine/Meters/Painting.h"
+#include "OstrelEngine/Widget/BackgroundOptions.h"
+#include "OstrelEngine/Widget/PanelPlacement.h"
+#include "OstrelEngine/Widget/WidgetCanvas.h"
+
+#include <QBuffer>
+#include <QImage>
+#include <QPainter>
+
+#include <cmath>
+
+namespace Ostrel::RenderCommand {
+
+namespace {
+
+/// The panel of a skin without a window: follows its publications and its size as a panel does.
+class PaperPanel {
+public:
+    explicit PaperPanel(HeadlessSkin& skin)
+        : runtime_(skin.runtime())
+        , size_(runtime_.widgetSize()) {
+        canvas_.setBackground(backgroundOf(runtime_.config()));
+        skin.onUpdate = [this](const auto& drawables) {
+            canvas_.setDrawables(drawables);
+            if (PanelPlacement::shouldResizeWindow(size_, runtime_.widgetSize()))
+                size_ = runtime_.widgetSize();
+        };
+    }
+
+    Size size() const { return size_; }
+
+    /// Null when no picture can be that large.
+    QImage picture(double scale) {
+        const QSize points = PanelPlacement::windowSize(size_, scale);
+        if (points.width() < size_.width || points.height() < size_.height)
+            return {};
+        canvas_.setSize({static_cast<double>(points.width()), static_cast<double>(points.height())});
+        QImage picture(static_cast<int>(std::ceil(points.width() * scale)),
+            static_cast<int>(std::ceil(points.height() * scale)), QImage::Format_ARGB32_Premultiplied);
+        if (!picture.isNull())
+            canvas_.repaint(picture, scale);
+        return picture;
+    }
+
+private:
+    SkinRuntime& runtime_;
+    Size size_;
+    WidgetCanvas canvas_;
+};
+
+void runTicks(HeadlessSkin& skin, const RenderOptions& options) {
+    skin.start();
+    if (!options.ticks && !options.scenario)
+        return skin.tickInRealTime();
+    for (std::int64_t tick = 1; tick < options.ticks.value_or(1); ++tick)
+        skin.tick();
+}
+
+QImage laidOver(const QImage& picture, const Color& background) {
+    QImage result(picture.size(), QImage::Format_ARGB32_Premultiplied);
+    result.fill(toQColor(background));
+    QPainter(&result).drawImage(0, 0, picture);
+    return result;
+}
+
+bool writePNG(const QImage& picture, const std::string& path) {
+    QBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
+    return picture.save(&bytes, "PNG") && writeFileAtomically(path, bytes.data().toStdString());
+}
+
+int render(HeadlessSkin& skin, const std::vector<ScenarioStep>& steps, const RenderOptions& options) {
+    PaperPanel panel(skin);
+    runTicks(skin, options);
+    for (const auto& step : steps)
+        step.run(skin);
+    QImage picture = panel.picture(options.scale);
+    const auto [width, height] = panel.size();
+    // What a skin does at its end is none of the picture.
+    skin.onUpdate = nullptr;
+    skin.stop();
+    if (picture.isNull()) {
+        printMessage("cannot render " + options.skin + ": " + formatNumeric(width) + " x " + formatNumeric(height)
+            + " points are too large");
+        return InputFailed;
+    }
+    if (options.background)
+        picture = laidOver(picture, *options.background);
+    if (!writePNG(picture, options.output)) {
+        printMessage("cannot write " + options.output);
+        return InputFailed;
+    }
+    return skin.lacksInput() ? InputFailed : Done;
+}
+
+} // namespace
+
+int run(Arguments arguments) {
+    const auto options = parseRenderOptions(arguments);
+    if (!options)
+        return wrongUsage(Usage);
+    const auto text = options->scenario ? readTextInput(*options->scenario) : std::optional<std::string>("");
+    if (!text) {
+        printMessage("cannot read " + *options->scenario);
+        return InputFailed;
+    }
+    const auto steps = parseScenario(*text);
+    if (!steps)
+        return wrongUsage(Usage);
+    const auto skin = HeadlessSkin::load(options->skin, options->wallSeconds);
+    return skin ? render(*skin, *steps, *options) : InputFailed;
+}
+
+} // namespace Ostrel::RenderCommand

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "OstrelCLI/Command.h"
+
+namespace Ostrel::RenderCommand {
+
+inline constexpr std::string_view Usage = "ostrel render [--ticks N] [--scenario FILE] [--scale S] "
+                                          "[--background R,G,B[,A]] [--now TIME] -o OUT.png SKIN";
+
+/// Runs a skin and writes what its panel would show as a PNG.
+int run(Arguments arguments);
+
+} // namespace Ostrel::RenderCommand

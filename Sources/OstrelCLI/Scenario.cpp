@@ -1,0 +1,157 @@
+#include "OstrelCLI/Scenario.h"
+
+#include "OstrelCLI/HeadlessSkin.h"
+#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text.h"
+
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace Ostrel {
+
+namespace {
+
+using Run = std::function<void(HeadlessSkin& skin)>;
+
+/// A kind of line: its first word, and what makes the rest of it, without the one blank between, into something to run;
+/// nothing when the rest is not as it should be.
+struct LineKind {
+    std::string_view word;
+    Run (*parse)(std::string_view rest);
+};
+
+Run parseAudio(std::string_view rest) {
+    std::string path(trimmed(rest));
+    if (path.empty())
+        return nullptr;
+    return [path = std::move(path)](HeadlessSkin& skin) { skin.playAudio(path); };
+}
+
+Run parseTick(std::string_view rest) {
+    const auto text = trimmed(rest);
+    const auto count = text.empty() ? std::optional<std::int64_t>(1) : parseInteger(text);
+    if (!count || *count < 0)
+        return nullptr;
+    return [count = *count](HeadlessSkin& skin) {
+        for (std::int64_t i = 0; i < count; ++i)
+            skin.tick();
+    };
+}
+
+Run parseWait(std::string_view rest) {
+    const auto seconds = parseDouble(trimmed(rest));
+    if (!seconds || !std::isfinite(*seconds) || *seconds < 0)
+        return nullptr;
+    return [seconds = *seconds](HeadlessSkin& skin) { skin.wait(seconds); };
+}
+
+Run parseState(std::string_view rest) {
+    return trimmed(rest).empty() ? [](HeadlessSkin&) {} : Run();
+}
+
+/// Runs what a line means for the skin, with all that the skin puts off until later.
+template <typename Happening> Run happening(Happening body) {
+    return [body = std::move(body)](HeadlessSkin& skin) { skin.act([&] { body(skin); }); };
+}
+
+/// `count` finite numbers between blanks, nothing else.
+std::optional<std::vector<double>> parseNumbers(std::string_view rest, std::size_t count) {
+    std::vector<double> numbers;
+    for (const auto word : splitDroppingEmpty(trimmed(rest), ' ')) {
+        const auto number = parseDouble(word);
+        if (!number || !std::isfinite(*number))
+            return std::nullopt;
+        numbers.push_back(*number);
+    }
+    return numbers.size() == count ? std::optional(std::move(numbers)) : std::nullopt;
+}
+
+/// A line that calls `Handle` of the canvas's input with a point.
+template <auto Handle> Run parsePointer(std::string_view rest) {
+    const auto numbers = parseNumbers(rest, 2);
+    if (!numbers)
+        return nullptr;
+    return happening(
+        [point = Point{(*numbers)[0], (*numbers)[1]}](HeadlessSkin& skin) { (skin.input().*Handle)(point); });
+}
+
+template <bool IsCommandHeld> Run parseScroll(std::string_view rest) {
+    const auto numbers = parseNumbers(rest, 3);
+    if (!numbers)
+        return nullptr;
+    ScrollEvent event;
+    event.point = {(*numbers)[0], (*numbers)[1]};
+    event.delta = (*numbers)[2];
+    event.isCommandHeld = IsCommandHeld;
+    return happening([event](HeadlessSkin& skin) { skin.input().scrollWheel(event); });
+}
+
+Run parseDo(std::string_view rest) {
+    return happening([action = std::string(rest)](HeadlessSkin& skin) { skin.runtime().executeActionString(action); });
+}
+
+Run parseInput(std::string_view rest) {
+    return happening([text = std::string(rest)](HeadlessSkin& skin) { skin.input().submitActiveInput(text); });
+}
+
+Run parseCancel(std::string_view rest) {
+    if (!trimmed(rest).empty())
+        return nullptr;
+    return happening([](HeadlessSkin& skin) { skin.input().dismissActiveInputByUser(); });
+}
+
+Run parseLeave(std::string_view rest) {
+    if (!trimmed(rest).empty())
+        return nullptr;
+    return happening([](HeadlessSkin& skin) { skin.input().mouseExited(); });
+}
+
+constexpr std::array LineKinds{
+    LineKind{"audio", parseAudio},
+    LineKind{"cancel", parseCancel},
+    LineKind{"commandscroll", parseScroll<true>},
+    LineKind{"do", parseDo},
+    LineKind{"down", parsePointer<&CanvasInput::mouseDown>},
+    LineKind{"drag", parsePointer<&CanvasInput::mouseDragged>},
+    LineKind{"input", parseInput},
+    LineKind{"leave", parseLeave},
+    LineKind{"move", parsePointer<&CanvasInput::mouseMoved>},
+    LineKind{"scroll", parseScroll<false>},
+    LineKind{"state", parseState},
+    LineKind{"tick", parseTick},
+    LineKind{"up", parsePointer<&CanvasInput::mouseUp>},
+    LineKind{"wait", parseWait},
+};
+
+std::optional<ScenarioStep> parseLine(std::string_view line) {
+    const auto blank = line.find(' ');
+    const auto rest = blank == std::string_view::npos ? std::string_view() : line.substr(blank + 1);
+    for (const auto& kind : LineKinds) {
+        if (kind.word != line.substr(0, blank))
+            continue;
+        if (auto run = kind.parse(rest))
+            return ScenarioStep{std::string(line), std::move(run)};
+        break;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<std::vector<ScenarioStep>> parseScenario(std::string_view text) {
+    std::vector<ScenarioStep> steps;
+    for (auto line : split(text, '\n')) {
+        if (line.ends_with('\r'))
+            line.remove_suffix(1);
+        if (trimmed(line).empty() || line.starts_with('#'))
+            continue;
+        auto step = parseLine(line);
+        if (!step)
+            return std::nullopt;
+        steps.push_back(std::move(*step));
+    }
+    return steps;
+}
+
+} // namespace Ostrel

@@ -1,0 +1,16 @@
+#include "OstrelCLI/TextInput.h"
+
+#include "OstrelCore/FileProvider.h"
+
+#include <iostream>
+#include <iterator>
+
+namespace Ostrel {
+
+std::optional<std::string> readTextInput(const std::string& path) {
+    if (path != "-")
+        return DiskFileProvider().contentsOfFile(path);
+    return std::string(std::istreambuf_iterator<char>(std::cin), {});
+}
+
+} // namespace Ostrel

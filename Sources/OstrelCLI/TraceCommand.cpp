@@ -1,0 +1,123 @@
+#include "OstrelCLI/TraceCommand.h"
+
+#include "OstrelCLI/HeadlessSkin.h"
+#include "OstrelCLI/Instant.h"
+#include "OstrelCLI/Scenario.h"
+#include "OstrelCLI/SkinStateJSON.h"
+#include "OstrelCLI/TextInput.h"
+
+#include <iostream>
+#include <utility>
+
+namespace Ostrel::TraceCommand {
+
+namespace {
+
+struct Request {
+    std::string skin;
+    std::optional<std::string> scenario;
+    std::optional<double> wallSeconds;
+};
+
+std::optional<Request> parse(Arguments arguments) {
+    Request request;
+    std::vector<std::string> paths;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == "--now") {
+            request.wallSeconds = i + 1 < arguments.size() ? parseInstant(arguments[++i]) : std::nullopt;
+            if (!request.wallSeconds)
+                return std::nullopt;
+        } else if (arguments[i].starts_with("--")) {
+            return std::nullopt;
+        } else {
+            paths.emplace_back(arguments[i]);
+        }
+    }
+    if (paths.empty() || paths.size() > 2)
+        return std::nullopt;
+    request.skin = paths[0];
+    if (paths.size() == 2)
+        request.scenario = paths[1];
+    return request;
+}
+
+/// Prints the state of a skin after each step, with what it asked of its host since the step before.
+class Trace {
+public:
+    explicit Trace(HeadlessSkin& skin)
+        : skin_(skin) {
+        auto& runtime = skin.runtime();
+        skin.onUpdate = [this](const auto&) { ++published_; };
+        skin.onInputTextPrompt = [this](const auto& presentation) { recordInput(presentation); };
+        skin.workspace().onOpen = [this](const std::string& target) { record("open", {{"target", target}}); };
+        runtime.onDeactivateRequest = [this] { record("deactivate"); };
+        runtime.onDeactivateConfigRequest = [this](const std::string& path) {
+            record("deactivateConfig", {{"path", path}});
+        };
+        runtime.onActivateConfigRequest = [this](const std::string& path, bool toggle) {
+            record("activateConfig", {{"path", path}, {"toggle", toggle}});
+        };
+        runtime.onRefreshRequest = [this] { record("refresh"); };
+        runtime.onRefreshAppRequest = [this] { record("refreshApp"); };
+    }
+
+    void print(std::string_view step) {
+        JSON json{{"step", step}, {"time", jsonNumber(skin_.elapsedSeconds())}, {"tick", skin_.runtime().tickCount()},
+            {"published", published_}};
+        json.update(skinStateJSON(skin_.runtime()));
+        json["requests"] = std::exchange(requests_, JSON::array());
+        std::cout << printed(json) << "\n";
+    }
+
+private:
+    void record(std::string_view kind, const JSON& members = JSON::object()) {
+        JSON request{{"kind", kind}};
+        request.update(members);
+        requests_.push_back(std::move(request));
+    }
+
+    void recordInput(const std::optional<InputTextPresentation>& presentation) {
+        if (!presentation)
+            return record("dismissInput");
+        record("input",
+            {{"measure", presentation->measureName}, {"frame", rectJSON(presentation->frame)},
+                {"default", presentation->defaultValue}, {"password", presentation->isPassword}});
+    }
+
+    HeadlessSkin& skin_;
+    int published_ = 0;
+    JSON requests_ = JSON::array();
+};
+
+int runScenario(HeadlessSkin& skin, const std::vector<ScenarioStep>& steps) {
+    Trace trace(skin);
+    skin.start();
+    trace.print("start");
+    for (const auto& step : steps) {
+        step.run(skin);
+        trace.print(step.line);
+    }
+    skin.stop();
+    trace.print("stop");
+    return skin.lacksInput() ? InputFailed : Done;
+}
+
+} // namespace
+
+int run(Arguments arguments) {
+    const auto request = parse(arguments);
+    if (!request)
+        return wrongUsage(Usage);
+    const auto text = request->scenario ? readTextInput(*request->scenario) : std::optional<std::string>("tick 1");
+    if (!text) {
+        printMessage("cannot read " + *request->scenario);
+        return InputFailed;
+    }
+    const auto steps = parseScenario(*text);
+    if (!steps)
+        return wrongUsage(Usage);
+    const auto skin = HeadlessSkin::load(request->skin, request->wallSeconds);
+    return skin ? runScenario(*skin, *steps) : InputFailed;
+}
+
+} // namespace Ostrel::TraceCommand

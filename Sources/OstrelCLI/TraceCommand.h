@@ -1,0 +1,12 @@
+#pragma once
+
+#include "OstrelCLI/Command.h"
+
+namespace Ostrel::TraceCommand {
+
+inline constexpr std::string_view Usage = "ostrel trace [--now TIME] SKIN [SCENARIO]";
+
+/// Runs a skin on a virtual clock and prints what it does, one JSON object a line.
+int run(Arguments arguments);
+
+} // namespace Ostrel::TraceCommand

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace Ostrel {
+
+/// The packages that this process has unpacked. What was unpacked stays on disk for as long as the system keeps the
+/// temporary folder, since widgets live from it. Any thread may call.
+class PackageCache {
+public:
+    /// Below the temporary folder.
+    static constexpr std::string_view ExtractionRootDirectoryName = "OstrelRMSkinExtraction";
+
+    static PackageCache& shared();
+
+    /// The folder with the package's contents, unpacked now if the file was not before or has changed since. Absent
+    /// when it cannot be unpacked; then nothing of it stays on disk.
+    std::optional<std::string> extractedDirectory(const std::string& packagePath);
+
+private:
+    std::optional<std::string> cached(const std::string& key);
+
+    /// Held for the map and one look at the disk, never for the unpacking: of two threads with the same package both
+    /// unpack, and the later folder stays.
+    std::mutex cacheLock_;
+    std::unordered_map<std::string, std::string> extractedPackagesByKey_;
+};
+
+} // namespace Ostrel

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "OstrelCore/SkinModel.h"
+#include "OstrelEngine/Measures/MeasureValue.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace Ostrel {
+
+class BaseMeasure;
+class Substitution;
+struct Platform;
+
+/// The live measures of a skin by upper-cased section name. The table is filled once and keeps its members for the life
+/// of its owner, so that a measure may look another up once and keep the reference while the owner lives.
+class MeasuresOwner {
+public:
+    virtual ~MeasuresOwner() = default;
+    /// Null when there is none of that name, which may be in any case.
+    virtual BaseMeasure* measure(std::string_view name) const = 0;
+};
+
+/// Base of all measures: name, options, the value and its substitution.
+class BaseMeasure {
+public:
+    BaseMeasure(const MeasureDefinition& definition, std::string skinPath);
+    virtual ~BaseMeasure();
+    BaseMeasure(const BaseMeasure&) = delete;
+    BaseMeasure& operator=(const BaseMeasure&) = delete;
+
+    const std::string& name() const { return definition_.sectionName; }
+    const MeasureDefinition& definition() const { return definition_; }
+    const std::string& skinPath() const { return skinPath_; }
+
+    const MeasureValue& value() const { return value_; }
+    /// Grows whenever an assignment changed the value.
+    std::uint64_t valueRevision() const { return valueRevision_; }
+
+    /// Ticks between two updates; negative: on the first tick only. Never 0.
+    int updateDivider() const { return updateDivider_; }
+    void setUpdateDivider(int divider) { updateDivider_ = divider; }
+    /// 1 when the text is no integer; a negative number becomes -1, 0 becomes 1.
+    static int parseUpdateDivider(std::optional<std::string_view> text);
+
+    const Options& options() const { return options_; }
+    /// Grows with every change of an option, so that what was parsed from them can be kept until then.
+    std::uint64_t optionsRevision() const { return optionsRevision_; }
+    void setOption(std::string_view key, std::string_view value);
+
+    /// Recomputes the value. The base keeps what it has.
+    virtual void update() { }
+    /// Carries out a command; false when this kind of measure takes none.
+    virtual bool executeCommand(std::string_view) { return false; }
+    /// Tells a measure that refers to others where they are, once all exist.
+    virtual void resolveMeasureReferences(std::weak_ptr<const MeasuresOwner>) { }
+
+protected:
+    /// The live option, else absent. The view lives until the option changes.
+    std::optional<std::string_view> option(const CaseKey& key) const { return Ostrel::option(options_, key); }
+    /// Assigns the value: `Substitute` acts on its text, and a change is noted. Nothing is allocated when nothing
+    /// changes.
+    void publish(double number, std::string_view text, bool preferText, double minimum, double maximum);
+    /// Assigns the value that stands, for a measure whose inputs are the same: only a NaN counts as changed.
+    void publishUnchanged();
+
+private:
+    MeasureDefinition definition_;
+    std::string skinPath_;
+    Options options_;
+    std::unique_ptr<Substitution> substitution_;
+    MeasureValue value_;
+    std::uint64_t valueRevision_ = 0;
+    std::uint64_t optionsRevision_ = 0;
+    int updateDivider_ = 1;
+};
+
+/// Stands for a measure that cannot work here: 0 and the empty text, while its actions and groups still work.
+class StubMeasure final : public BaseMeasure {
+public:
+    using BaseMeasure::BaseMeasure;
+};
+
+} // namespace Ostrel

@@ -1,0 +1,120 @@
+#include "OstrelEngine/Measures/ScriptMeasure.h"
+
+#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Paths.h"
+#include "OstrelCore/Text.h"
+#include "OstrelEngine/Measures/CalcMeasure.h"
+
+#include <cmath>
+#include <vector>
+
+namespace Ostrel {
+
+namespace {
+
+/// Far beyond any skin; a hostile number of sections must not stop the desktop.
+constexpr std::size_t MaxDispatches = 50000;
+
+struct FactoryOption {
+    std::string_view key;
+    std::string_view value;
+};
+
+std::string_view numberedOption(const Options& options, std::string_view name, std::int64_t number) {
+    const auto* text = options.find(std::string(name) + formatInteger(number));
+    return text ? std::string_view(*text) : std::string_view();
+}
+
+/// Option0 with Value0, Option1 with Value1 and so on up to the first gap; views into `options`.
+std::vector<FactoryOption> factoryOptions(const Options& options) {
+    std::vector<FactoryOption> result;
+    for (;;) {
+        const auto number = static_cast<std::int64_t>(result.size());
+        const auto key = numberedOption(options, "Option", number);
+        if (key.empty())
+            return result;
+        result.push_back({key, numberedOption(options, "Value", number)});
+    }
+}
+
+std::string scriptNumber(double value) {
+    const double rounded = std::round(value);
+    return std::abs(value - rounded) < 1e-07 ? formatNumeric(rounded) : formatGeneral(value, 10);
+}
+
+/// "%%" becomes the index, and each "{...}" the value of its formula.
+std::string applyFactorySubstitutions(std::string_view text, std::int64_t index) {
+    std::string rest = replacingOccurrences(text, "%%", formatInteger(index));
+    std::string result;
+    std::size_t copied = 0;
+    for (;;) {
+        const auto open = rest.find('{', copied);
+        const auto close = rest.find('}', open);
+        if (open == std::string::npos || close == std::string::npos)
+            return result.append(rest, copied);
+        result.append(rest, copied, open - copied);
+        result += scriptNumber(CalcMeasure::evaluate(std::string_view(rest).substr(open + 1, close - open - 1)));
+        copied = close + 1;
+    }
+}
+
+std::string escaped(std::string_view text) {
+    return replacingOccurrences(text, "\"", "\\\"");
+}
+
+} // namespace
+
+ScriptMeasure::ScriptMeasure(const MeasureDefinition& definition, std::string skinPath)
+    : BaseMeasure(definition, std::move(skinPath)) {
+    publish(0, "", false, 0, 0);
+}
+
+bool ScriptMeasure::executeCommand(std::string_view text) {
+    if (!hasPrefixIgnoringCase(trimmed(text), "INITIALIZE"))
+        return true;
+    const auto file = lowerCased(lastPathComponent(normalizeSeparators(option("ScriptFile"_key).value_or(""))));
+    if (file == "factory.lua")
+        runFactoryInitialize();
+    else if (file == "refresher.lua")
+        runRefresherInitialize();
+    return true;
+}
+
+void ScriptMeasure::runFactoryInitialize() const {
+    const auto count = parseInteger(option("Number"_key).value_or("0")).value_or(0);
+    // A copy: an option set from here may be one of our own.
+    const Options current = options();
+    const auto sectionTemplate = Ostrel::option(current, "SectionName"_key).value_or("");
+    if (sectionTemplate.empty())
+        return;
+    const auto assignments = factoryOptions(current);
+    std::size_t dispatched = 0;
+    for (std::int64_t index = 0; index < count && !assignments.empty() && dispatched < MaxDispatches; ++index) {
+        const auto section = applyFactorySubstitutions(sectionTemplate, index);
+        for (const auto& [key, value] : assignments)
+            dispatch("!SetOption", section, key, applyFactorySubstitutions(value, index));
+        dispatched += assignments.size();
+    }
+}
+
+void ScriptMeasure::runRefresherInitialize() {
+    const bool isFirst = option("Refreshed"_key).value_or("0") == "0";
+    const std::string_view flag = isFirst ? "1" : "0";
+    setOption("Refreshed", flag);
+    dispatch("!WriteKeyValue", name(), "Refreshed", flag);
+    if (isFirst && onAction)
+        onAction("[!Refresh]");
+}
+
+void ScriptMeasure::dispatch(
+    std::string_view bang, std::string_view section, std::string_view key, std::string_view value) const {
+    if (!onAction)
+        return;
+    std::string action = "[";
+    action.append(bang);
+    for (const auto argument : {section, key, value})
+        action.append(" \"").append(escaped(argument)).append("\"");
+    onAction(action.append("]"));
+}
+
+} // namespace Ostrel

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+class QImage;
+
+namespace Ostrel {
+class RemoteReader;
+}
+
+/// Pictures out of files and URLs, which nobody vouches for.
+namespace Ostrel::ImageLoader {
+
+/// Whether the text begins with one of the schemes http, https, file and data.
+bool isImageURL(std::string_view text);
+/// The first picture of a file, found without regard to case, or URL. Null when it cannot be read or decoded, or has
+/// more than 64 million pixels. Blocks on the network for as long as the reader does.
+QImage load(const std::string& pathOrURL, RemoteReader& remoteReader);
+
+} // namespace Ostrel::ImageLoader

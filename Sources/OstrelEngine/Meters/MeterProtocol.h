@@ -1,0 +1,87 @@
+#pragma once
+
+#include "OstrelCore/SkinModel.h"
+#include "OstrelEngine/Geometry.h"
+#include "OstrelEngine/Measures/MeasureValue.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+class QPainter;
+
+namespace Ostrel {
+
+struct Platform;
+
+/// A meter's place on the canvas. Only the layout gives it one.
+struct MeterFrame {
+    double x = 0;
+    double y = 0;
+    double w = 0;
+    double h = 0;
+
+    Rect rect() const { return {x, y, w, h}; }
+    friend bool operator==(const MeterFrame&, const MeterFrame&) = default;
+};
+
+enum class MeterKind { string, bar, image, shape, stub };
+
+using MeasureValues = std::span<const MeasureValue>;
+
+/// A visible item of a skin. The runtime owns it and changes its options and frame; the canvas shows it. Main thread.
+class MeterRenderer {
+public:
+    MeterRenderer(std::string name, Options options);
+    virtual ~MeterRenderer() = default;
+    MeterRenderer(const MeterRenderer&) = delete;
+    MeterRenderer& operator=(const MeterRenderer&) = delete;
+
+    const std::string& name() const { return name_; }
+    virtual MeterKind kind() const = 0;
+
+    const MeterFrame& frame() const { return frame_; }
+    void setFrame(const MeterFrame& frame) { frame_ = frame; }
+
+    const Options& options() const { return options_; }
+    /// Grows with every change of an option.
+    std::uint64_t optionsRevision() const { return optionsRevision_; }
+    void setOption(std::string_view key, std::string_view value);
+
+    /// Draws into a painter whose coordinates are those of the widget. `values` are those of the bound measures, in
+    /// binding order.
+    virtual void draw(QPainter& painter, MeasureValues values) = 0;
+    /// The area in which the meter takes the mouse.
+    virtual Rect interactionRect(MeasureValues) { return frame_.rect(); }
+
+    /// Takes in what the next draw will show; true when its pixels may differ from those of the draw before, wherever
+    /// the frame is. Asked once a publication, by the one canvas that shows the meter.
+    virtual bool updateAppearance(MeasureValues values) = 0;
+    /// Where the last `updateAppearance` has changed the pixels of a meter that stayed in its frame; absent when that
+    /// is anywhere in the paint rects of before and after.
+    virtual std::optional<Rect> changedPart() const { return std::nullopt; }
+    /// Holds every pixel that `draw` touches for these values: overhanging glyphs, shadows and strokes included.
+    virtual Rect paintRect(MeasureValues values) = 0;
+
+protected:
+    std::optional<std::string_view> option(const CaseKey& key) const { return Ostrel::option(options_, key); }
+    /// What was parsed from the options is stale.
+    virtual void optionsDidChange() = 0;
+
+private:
+    std::string name_;
+    MeterFrame frame_;
+    Options options_;
+    std::uint64_t optionsRevision_ = 0;
+};
+
+/// One item of a publication: the meter, shared, and the values it is to show, copied.
+struct Drawable {
+    std::shared_ptr<MeterRenderer> meter;
+    std::vector<MeasureValue> values;
+};
+
+} // namespace Ostrel

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "OstrelEngine/Meters/MeterProtocol.h"
+
+#include <memory>
+
+namespace Ostrel {
+
+/// Text from a template and the bound values.
+class StringMeter final : public MeterRenderer {
+public:
+    /// The fonts that its skin brings along are registered by then.
+    StringMeter(const MeterDefinition& definition, Options options);
+    ~StringMeter() override;
+
+    MeterKind kind() const override { return MeterKind::string; }
+    void draw(QPainter& painter, MeasureValues values) override;
+    /// Where the text stands: the frame's x is an anchor that depends on StringAlign.
+    Rect interactionRect(MeasureValues values) override;
+    bool updateAppearance(MeasureValues values) override;
+    Rect paintRect(MeasureValues values) override;
+
+    /// The size that the text of these values wants, padding included, on as many lines as it has breaks.
+    Size estimatedSize(MeasureValues values);
+    /// The text as it would be drawn: formatted, cased, line breaks resolved.
+    std::string displayedText(MeasureValues values);
+
+protected:
+    void optionsDidChange() override;
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace Ostrel

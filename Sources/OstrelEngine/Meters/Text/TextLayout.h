@@ -1,0 +1,34 @@
+#pragma once
+
+#include "OstrelEngine/Meters/Text/TextLine.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Ostrel {
+
+/// A text set in lines, from the top. Where a line begins in its rectangle is the painter's business.
+struct TextLayout {
+    std::vector<TextLine> lines;
+
+    double width() const;
+    double height() const;
+    /// The leading lines that fit into the height; the first always does.
+    std::size_t linesWithin(double height) const;
+};
+
+namespace TextLayouts {
+
+/// UTF-16 without control characters other than line ends, cut after 16,384 units.
+std::u16string preparedText(std::string_view text);
+/// One line for each of the text's own, or broken between words at `maximumWidth`, within a word only where it is
+/// wider than a line.
+TextLayout inLines(std::u16string_view text, const TextSetting& setting, std::optional<double> maximumWidth);
+/// One line for each of the text's own; one that is too wide, and the last that fits the height when others follow,
+/// ends with an ellipsis.
+TextLayout truncated(std::u16string_view text, const TextSetting& setting, double width, double height);
+
+} // namespace TextLayouts
+
+} // namespace Ostrel

@@ -1,0 +1,21 @@
+#include "OstrelPlatform/Linux/LinuxWorkspace.h"
+
+#include "OstrelCore/Paths.h"
+
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QUrl>
+
+namespace Ostrel {
+
+bool LinuxWorkspace::openURL(const std::string& url) {
+    const QUrl parsed(QString::fromStdString(url));
+    return parsed.isValid() && QDesktopServices::openUrl(parsed);
+}
+
+bool LinuxWorkspace::openFile(const std::string& path) {
+    const QString file = QString::fromStdString(existingPath(path));
+    return QFileInfo::exists(file) && QDesktopServices::openUrl(QUrl::fromLocalFile(file));
+}
+
+} // namespace Ostrel

@@ -1,0 +1,199 @@
+#include "OstrelEngine/Widget/WidgetPanel.h"
+
+#include "OstrelEngine/Host/FakeDesktop.h"
+#include "OstrelEngine/Host/FakeMeter.h"
+#include "OstrelEngine/Widget/WidgetCanvasView.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QInputMethodEvent>
+#include <QWheelEvent>
+
+#include <gmock/gmock.h>
+
+namespace Ostrel {
+namespace {
+
+using testing::ElementsAre;
+
+/// A panel with one meter of the left half, whose actions are written down.
+class PanelInputTest : public testing::Test {
+protected:
+    PanelInputTest() {
+        meter->setOption("LeftMouseUpAction", "up");
+        meter->setOption("MouseOverAction", "over");
+        meter->setOption("MouseLeaveAction", "leave");
+        meter->setOption("MouseScrollDownAction", "scroll");
+        view.setDrawables(std::vector<Drawable>{{meter, {}}});
+        auto& input = view.input();
+        input.onAction = [this](const std::string& action) { log.push_back(action); };
+        input.onInputSubmit = [this](const std::string&, const std::string& text) { log.push_back("= " + text); };
+        input.onInputDismiss = [this](const std::string&) { log.emplace_back("dismissed"); };
+        input.onCommandScroll = [this](auto) { log.emplace_back("command"); };
+        panel.onContextAction = [this](WidgetContextAction action) {
+            log.emplace_back(action == WidgetContextAction::unrender ? "unrender" : "freeze");
+        };
+        panel.pinToDesktopLayer();
+    }
+
+    void mouse(QEvent::Type type, QPoint point, Qt::MouseButton button = Qt::LeftButton) {
+        const bool isMove = type == QEvent::MouseMove;
+        const bool isUp = type == QEvent::MouseButtonRelease;
+        QMouseEvent event(type, point, point + panel.position(), isMove ? Qt::NoButton : button,
+            isUp ? Qt::NoButton : button, Qt::NoModifier);
+        QCoreApplication::sendEvent(&panel, &event);
+    }
+    void wheel(QPoint point, int delta, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QWheelEvent event(
+            point, panel.mapToGlobal(point), {}, {0, delta}, Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&panel, &event);
+    }
+    /// The window of this kind that is shown, or null.
+    template <typename Kind> Kind* shown() const {
+        for (QWindow* window : QGuiApplication::topLevelWindows()) {
+            if (auto* found = dynamic_cast<Kind*>(window); found && found->isVisible())
+                return found;
+        }
+        return nullptr;
+    }
+    void key(QWindow* window, int code, const QString& text = {}, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QKeyEvent event(QEvent::KeyPress, code, modifiers, text);
+        QCoreApplication::sendEvent(window, &event);
+    }
+    InputField* openField(bool isPassword = false) {
+        InputTextPresentation presentation;
+        presentation.measureName = "Ask";
+        presentation.frame = {60, 10, 80, 20};
+        presentation.defaultValue = "old";
+        presentation.isPassword = isPassword;
+        view.input().presentInput(presentation);
+        return shown<InputField>();
+    }
+
+    FakeDesktop desktop;
+    WidgetCanvasView view{CanvasBackground{}};
+    std::shared_ptr<FakeMeter> meter = std::make_shared<FakeMeter>("M", MeterFrame{0, 0, 50, 40});
+    WidgetPanel panel{{100, 40}, {100, 100}, view, desktop};
+    std::vector<std::string> log;
+};
+
+TEST_F(PanelInputTest, aPressOnAnActingMeterDoesNotMoveThePanel) {
+    const QPoint before = panel.position();
+    mouse(QEvent::MouseButtonPress, {10, 10});
+    mouse(QEvent::MouseMove, {40, 30});
+    mouse(QEvent::MouseButtonRelease, {40, 30});
+    EXPECT_EQ(panel.position(), before);
+    EXPECT_THAT(log, ElementsAre("up"));
+    mouse(QEvent::MouseButtonPress, {80, 10});
+    mouse(QEvent::MouseMove, {90, 20});
+    mouse(QEvent::MouseButtonRelease, {80, 10});
+    EXPECT_EQ(panel.position(), before + QPoint(10, 10));
+    EXPECT_THAT(log, ElementsAre("up"));
+}
+
+TEST_F(PanelInputTest, otherButtonsAndDoubleClicksDoNoHarm) {
+    for (const auto button : {Qt::MiddleButton, Qt::BackButton}) {
+        mouse(QEvent::MouseButtonPress, {10, 10}, button);
+        mouse(QEvent::MouseMove, {90, 10}, button);
+        mouse(QEvent::MouseButtonRelease, {90, 10}, button);
+    }
+    mouse(QEvent::MouseButtonDblClick, {10, 10});
+    EXPECT_THAT(log, ElementsAre());
+}
+
+TEST_F(PanelInputTest, hoversAndScrolls) {
+    QMouseEvent move(
+        QEvent::MouseMove, {10, 10}, panel.mapToGlobal(QPointF(10, 10)), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&panel, &move);
+    wheel({10, 10}, -120);
+    for (const int part : {-60, 30, -60, -60, -120})
+        wheel({10, 10}, part, Qt::ControlModifier);
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(&panel, &leave);
+    EXPECT_THAT(log, ElementsAre("over", "scroll", "command", "command", "leave"));
+}
+
+TEST_F(PanelInputTest, theFieldLiesOverThePanelAndAnswers) {
+    auto* field = openField();
+    ASSERT_TRUE(field);
+    EXPECT_EQ(field->geometry(), QRect(60, 10, 80, 20).translated(panel.position()));
+    key(field, Qt::Key_N, "n");
+    key(field, Qt::Key_E, QString::fromUtf8("\u00EB"));
+    key(field, Qt::Key_W, "w");
+    key(field, Qt::Key_S, {}, Qt::ControlModifier);
+    key(field, Qt::Key_Home);
+    key(field, Qt::Key_Delete);
+    EXPECT_EQ(field->text(), QString::fromUtf8("\u00EBw"));
+    panel.setPosition(panel.position() + QPoint(7, 9));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(field->position(), panel.position() + QPoint(60, 10)) << "it follows the panel";
+    key(field, Qt::Key_Return);
+    EXPECT_THAT(log, ElementsAre("= \u00EBw"));
+    EXPECT_FALSE(shown<InputField>());
+}
+
+TEST_F(PanelInputTest, theFieldIsDismissedByEscapeAndByAClickOutside) {
+    key(openField(), Qt::Key_Escape);
+    EXPECT_THAT(log, ElementsAre("dismissed"));
+    openField();
+    mouse(QEvent::MouseButtonPress, {10, 10});
+    EXPECT_THAT(log, ElementsAre("dismissed", "dismissed"));
+    EXPECT_FALSE(shown<InputField>());
+}
+
+TEST_F(PanelInputTest, theFieldTakesComposedTextAndTheClipboard) {
+    auto* field = openField();
+    QInputMethodEvent composing("ni", {});
+    QCoreApplication::sendEvent(field, &composing);
+    EXPECT_EQ(field->text(), "old") << "what is composed is not there yet";
+    QInputMethodEvent commit;
+    commit.setCommitString(QString::fromUtf8("\u65E5"));
+    QCoreApplication::sendEvent(field, &commit);
+    EXPECT_EQ(field->text(), QString::fromUtf8("\u65E5"));
+    key(field, Qt::Key_A, {}, Qt::ControlModifier);
+    key(field, Qt::Key_X, {}, Qt::ControlModifier);
+    EXPECT_EQ(field->text(), "");
+    key(field, Qt::Key_V, {}, Qt::ControlModifier);
+    key(field, Qt::Key_V, {}, Qt::ControlModifier);
+    EXPECT_EQ(field->text(), QString::fromUtf8("\u65E5\u65E5"));
+}
+
+TEST_F(PanelInputTest, aPasswordStaysInItsField) {
+    QGuiApplication::clipboard()->setText("before");
+    auto* field = openField(true);
+    key(field, Qt::Key_C, {}, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "before");
+    QInputMethodQueryEvent query(Qt::ImSurroundingText | Qt::ImHints);
+    QCoreApplication::sendEvent(field, &query);
+    EXPECT_EQ(query.value(Qt::ImSurroundingText).toString(), "");
+    EXPECT_TRUE(query.value(Qt::ImHints).toInt() & Qt::ImhHiddenText);
+    key(field, Qt::Key_Enter);
+    EXPECT_THAT(log, ElementsAre("= old"));
+}
+
+TEST_F(PanelInputTest, theContextMenuActsByPointerAndKeys) {
+    mouse(QEvent::MouseButtonPress, {10, 10}, Qt::RightButton);
+    auto* menu = shown<ContextMenu>();
+    ASSERT_TRUE(menu);
+    key(menu, Qt::Key_Down);
+    key(menu, Qt::Key_Down);
+    key(menu, Qt::Key_Return);
+    EXPECT_THAT(log, ElementsAre("unrender"));
+    EXPECT_FALSE(shown<ContextMenu>());
+
+    mouse(QEvent::MouseButtonPress, {10, 10}, Qt::RightButton);
+    key(shown<ContextMenu>(), Qt::Key_Escape);
+    mouse(QEvent::MouseButtonPress, {10, 10}, Qt::RightButton);
+    menu = shown<ContextMenu>();
+    const QPointF item(menu->width() / 2.0, 12);
+    QMouseEvent press(QEvent::MouseButtonPress, item, item, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent release(QEvent::MouseButtonRelease, item, item, Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(menu, &release);
+    EXPECT_THAT(log, ElementsAre("unrender")) << "the release of the click that opened it chooses nothing";
+    QCoreApplication::sendEvent(menu, &press);
+    QCoreApplication::sendEvent(menu, &release);
+    EXPECT_THAT(log, ElementsAre("unrender", "freeze"));
+}
+
+} // namespace
+} // namespace Ostrel

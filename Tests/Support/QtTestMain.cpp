@@ -1,0 +1,9 @@
+#include <QGuiApplication>
+
+#include <gmock/gmock.h>
+
+int main(int count, char** values) {
+    testing::InitGoogleMock(&count, values);
+    const QGuiApplication application(count, values);
+    return RUN_ALL_TESTS();
+}
