@@ -6,6 +6,7 @@ namespace Ostrel {
 
 class AudioSpectrum;
 class Clock;
+class DesktopAppearance;
 class FontRegistrar;
 class HostStatistics;
 class MainQueue;
@@ -24,6 +25,8 @@ struct Platform {
     AudioSpectrum* audioSpectrum = nullptr;
     /// Null where nothing can be opened.
     Workspace* workspace = nullptr;
+    /// Null where the desktop tells nothing of how it looks.
+    DesktopAppearance* appearance = nullptr;
 };
 
 } // namespace Ostrel
