@@ -4,24 +4,40 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <ctime>
 #include <string_view>
 
 namespace Ostrel {
 
 namespace {
 
-/// Dates follow LC_TIME, as everywhere on a desktop; ICU's own default is the language of messages.
-icu::Locale dateLocale() {
-    for (const char* name : {"LC_ALL", "LC_TIME", "LANG"}) {
-        const char* value = std::getenv(name);
-        if (!value || !*value)
-            continue;
-        const auto locale = icu::Locale::createCanonical(value);
-        const std::string_view language = locale.getLanguage();
-        return language == "c" || language == "posix" ? icu::Locale("en", "US", "POSIX") : locale;
-    }
-    return icu::Locale::getDefault();
+/// Dates follow LC_TIME, as everywhere on a desktop; ICU's own default is the language of messages. Empty is the
+/// same as "C".
+std::string_view dateLocaleName() {
+    for (const char* name : {"LC_ALL", "LC_TIME", "LANG"})
+        if (const char* value = std::getenv(name); value && *value)
+            return value;
+    return "";
 }
+
+icu::Locale dateLocale() {
+    const auto locale = icu::Locale::createCanonical(std::string(dateLocaleName()).c_str());
+    const std::string_view language = locale.getLanguage();
+    return language.empty() || language == "c" || language == "posix" ? icu::Locale("en", "US", "POSIX") : locale;
+}
+
+bool isAmericanEnglish() {
+    const auto name = dateLocaleName();
+    // A modifier can mean another calendar.
+    if (name.find('@') != name.npos)
+        return false;
+    const auto locale = name.substr(0, name.find('.'));
+    return locale.empty() || locale == "en_US" || locale == "C" || locale == "POSIX";
+}
+
+/// From the first of 1970 to the last of 9999.
+constexpr double FirstEnglishSecond = 0;
+constexpr double LastEnglishSecond = 253402214400;
 
 /// ICU formats nothing at all when it meets a letter that means nothing to it; a skin that writes one means the letter.
 std::string withUnknownLettersQuoted(std::string_view pattern) {
@@ -72,7 +88,8 @@ struct DateFormatter::Host {
 
 DateFormatter::DateFormatter(std::string_view pattern)
     : pattern_(withUnknownLettersQuoted(pattern))
-    , showsFractions_(pattern_.find_first_of("SA") != std::string::npos) { }
+    , showsFractions_(pattern_.find_first_of("SA") != std::string::npos)
+    , english_(isAmericanEnglish() ? EnglishDate::create(pattern_) : std::nullopt) { }
 
 const std::string& DateFormatter::format(double wallSeconds) {
     const double second = std::floor(wallSeconds);
@@ -80,17 +97,30 @@ const std::string& DateFormatter::format(double wallSeconds) {
         return text_;
     formattedSecond_ = second;
     text_.clear();
+    if (english_ && second >= FirstEnglishSecond && second < LastEnglishSecond)
+        appendEnglish(static_cast<std::time_t>(second));
+    else
+        appendByICU(wallSeconds);
+    return text_;
+}
+
+void DateFormatter::appendEnglish(std::time_t second) {
+    std::tm time{};
+    if (localtime_r(&second, &time))
+        english_->append(time, text_);
+}
+
+void DateFormatter::appendByICU(double wallSeconds) {
     if (!host_)
         host_ = Host::shared();
     auto error = host_->error;
     if (U_FAILURE(error))
-        return text_;
+        return;
     host_->format.applyPattern(icu::UnicodeString::fromUTF8(pattern_));
     host_->buffer.remove();
     host_->format.format(wallSeconds * 1000, host_->buffer, static_cast<icu::FieldPositionIterator*>(nullptr), error);
     if (U_SUCCESS(error))
         host_->buffer.toUTF8String(text_);
-    return text_;
 }
 
 } // namespace Ostrel

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "OstrelEngine/Measures/EnglishDate.h"
+
+#include <ctime>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,9 +23,14 @@ public:
 private:
     struct Host;
 
+    void appendEnglish(std::time_t second);
+    void appendByICU(double wallSeconds);
+
     std::string pattern_;
     /// Whether the text can change within a second.
     bool showsFractions_;
+    /// Present when it can write the pattern in the host's locale.
+    std::optional<EnglishDate> english_;
     std::shared_ptr<Host> host_;
     /// The second that `text_` was made for.
     std::optional<double> formattedSecond_;
