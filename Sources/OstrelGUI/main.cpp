@@ -5,7 +5,9 @@
 #include "OstrelGUI/TerminationSignals.h"
 #include "OstrelPlatform/Linux/LinuxPlatform.h"
 #include "OstrelPlatform/Linux/LinuxSound.h"
+#include "OstrelPlatform/Linux/StartPages.h"
 #include "OstrelPlatform/Log.h"
+#include "OstrelPlatform/MainQueue.h"
 
 #include <QGuiApplication>
 
@@ -15,6 +17,9 @@
 namespace Ostrel {
 
 namespace {
+
+/// By then the widgets have drawn and ticked.
+constexpr double SecondsUntilStarted = 2.5;
 
 enum ExitStatus { Done = 0, NothingLoaded = 1, WrongUsage = 2 };
 
@@ -50,6 +55,7 @@ int run(int count, char** values) {
     const TerminationSignals termination(end);
     if (!app.open(paths))
         return NothingLoaded;
+    ports.mainQueue.postAfter(SecondsUntilStarted, releaseStartPages);
     QGuiApplication::exec();
     app.stopAll();
     return Done;
