@@ -33,7 +33,7 @@ HeadlessSkin::HeadlessSkin(SkinConfig config, std::optional<double> wallSeconds)
             .workspace = &workspace_});
     runtime_->onUpdate = [this](const auto& drawables) { publish(drawables); };
     runtime_->onInputTextPrompt = [this](const auto& presentation) { prompt(presentation); };
-    connectCanvas(input_, runtime_);
+    connectCanvas(input_, runtime_, hostStatistics_);
 }
 
 HeadlessSkin::~HeadlessSkin() = default;

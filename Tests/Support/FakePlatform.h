@@ -12,7 +12,7 @@
 namespace Ostrel {
 
 /// Figures that a test sets; absent at first, as if every read failed.
-class FakeHostStatistics final : public HostStatistics {
+class FakeHostStatistics : public HostStatistics {
 public:
     std::optional<CPUTicks> cpu;
     std::optional<MemoryFigures> memory;

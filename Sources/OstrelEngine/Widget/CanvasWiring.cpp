@@ -3,6 +3,7 @@
 #include "OstrelCore/Text.h"
 #include "OstrelEngine/Widget/CanvasInput.h"
 #include "OstrelEngine/Widget/SkinRuntime.h"
+#include "OstrelPlatform/HostStatistics.h"
 
 namespace Ostrel {
 
@@ -19,26 +20,29 @@ void runCommandScroll(SkinRuntime& runtime, WidgetCommandScrollDirection directi
 
 } // namespace
 
-void connectCanvas(CanvasInput& input, const std::shared_ptr<SkinRuntime>& runtime) {
-    const std::weak_ptr<SkinRuntime> weak(runtime);
-    input.onAction = [weak](const std::string& action) {
-        if (const auto skin = weak.lock())
+void connectCanvas(CanvasInput& input, const std::shared_ptr<SkinRuntime>& runtime, HostStatistics& statistics) {
+    const auto awake = [weak = std::weak_ptr(runtime), &statistics] {
+        statistics.beginWake();
+        return weak.lock();
+    };
+    input.onAction = [awake](const std::string& action) {
+        if (const auto skin = awake())
             skin->executeActionString(action);
     };
-    input.onMouseEvent = [weak](MouseEventKind kind, Point point, const std::optional<std::string>& meterName) {
-        if (const auto skin = weak.lock())
+    input.onMouseEvent = [awake](MouseEventKind kind, Point point, const std::optional<std::string>& meterName) {
+        if (const auto skin = awake())
             skin->handleMouseEvent(kind, point, meterName);
     };
-    input.onInputSubmit = [weak](const std::string& measureName, const std::string& value) {
-        if (const auto skin = weak.lock())
+    input.onInputSubmit = [awake](const std::string& measureName, const std::string& value) {
+        if (const auto skin = awake())
             skin->submitInputText(measureName, value);
     };
-    input.onInputDismiss = [weak](const std::string& measureName) {
-        if (const auto skin = weak.lock())
+    input.onInputDismiss = [awake](const std::string& measureName) {
+        if (const auto skin = awake())
             skin->dismissInputText(measureName);
     };
-    input.onCommandScroll = [weak](WidgetCommandScrollDirection direction) {
-        if (const auto skin = weak.lock())
+    input.onCommandScroll = [awake](WidgetCommandScrollDirection direction) {
+        if (const auto skin = awake())
             runCommandScroll(*skin, direction);
     };
 }

@@ -116,7 +116,7 @@ void WidgetController::connectRequests(SkinRuntime& runtime) {
 void WidgetController::connectInput(
     const std::shared_ptr<SkinRuntime>& runtime, const std::shared_ptr<Window>& window) {
     auto& input = window->view.input();
-    connectCanvas(input, runtime);
+    connectCanvas(input, runtime, platform_.hostStatistics);
     input.isCommandScrollReversed = [this] { return isCommandScrollReversed && isCommandScrollReversed(); };
     runtime->onInputTextPrompt = [weakWindow = std::weak_ptr(window)](const auto& presentation) {
         const auto shown = weakWindow.lock();

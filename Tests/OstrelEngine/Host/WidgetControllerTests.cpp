@@ -4,6 +4,9 @@
 #include "OstrelCore/SkinLoader.h"
 #include "OstrelEngine/Host/FakeDesktop.h"
 #include "OstrelEngine/Widget/BackgroundOptions.h"
+#include "OstrelEngine/Widget/CanvasInput.h"
+#include "OstrelEngine/Widget/CanvasWiring.h"
+#include "OstrelEngine/Widget/SkinRuntime.h"
 #include "Support/FakePlatform.h"
 #include "Support/TemporaryFolder.h"
 
@@ -157,6 +160,28 @@ TEST_F(WidgetControllerTest, handsOnWhatConcernsOtherSkins) {
     EXPECT_EQ(asked, "");
     fake.queue.runQueued();
     EXPECT_EQ(asked, "refresh open Other.ini toggle Other.ini close Other.ini ");
+}
+
+/// The samples of a wake once served a click that came long after it.
+TEST_F(WidgetControllerTest, aClickSeesTheHostAsItIsNow) {
+    class Sampled final : public FakeHostStatistics {
+    public:
+        void beginWake() override { sample = network; }
+        std::optional<NetworkBytes> networkBytes() override { return sample; }
+        std::optional<NetworkBytes> sample;
+    } host;
+    Platform platform{fake.clock, fake.queue, host, fake.fonts, fake.network};
+    const auto runtime = SkinRuntime::create(load("[Net]\nMeasure=NetIn\nUpdateDivider=-1\n"), platform);
+    const std::vector<Drawable> none;
+    CanvasInput input(none);
+    connectCanvas(input, runtime, host);
+    const auto received = [&](std::uint64_t bytes) {
+        host.network = NetworkBytes{bytes, 0};
+        input.onAction("[!UpdateMeasure Net]");
+        return runtime->measure("Net")->value().numericValue;
+    };
+    EXPECT_EQ(received(1000), 0);
+    EXPECT_EQ(received(1500), 500);
 }
 
 TEST_F(WidgetControllerTest, freezesAndUnfreezes) {
