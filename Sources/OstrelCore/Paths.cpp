@@ -92,10 +92,12 @@ bool isAbsolutePath(std::string_view path) {
 }
 
 std::string expandingTilde(std::string_view path) {
-    if (path != "~" && !path.starts_with("~/"))
-        return std::string(path);
     const char* home = std::getenv("HOME");
-    if (!home)
+    return home ? expandingTilde(path, home) : std::string(path);
+}
+
+std::string expandingTilde(std::string_view path, std::string_view home) {
+    if (path != "~" && !path.starts_with("~/"))
         return std::string(path);
     return appendingPathComponent(home, path.substr(1));
 }
@@ -130,6 +132,17 @@ std::string resourcesBaseDirectory(std::string_view directory) {
 std::string sharedResourcesDirectory(std::string_view directory) {
     auto resources = nearestResources(standardizedPath(directory));
     return resources.empty() ? appendingPathComponent(directory, ResourcesName) : resources;
+}
+
+std::string replacingFolderVariables(std::string_view text, std::string_view skinDirectory) {
+    std::string result(text);
+    // The walk to the resources is not for texts that do not name them.
+    if (result.find("#@#") != std::string::npos)
+        result = replacingOccurrences(result, "#@#", sharedResourcesDirectory(skinDirectory) + "/");
+    std::string directory(skinDirectory);
+    if (!directory.ends_with('/'))
+        directory += '/';
+    return replacingOccurrencesIgnoringCase(result, "#CURRENTPATH#", directory);
 }
 
 std::string existingPath(std::string_view path) {

@@ -2,6 +2,7 @@
 
 #include "OstrelCore/Paths.h"
 #include "OstrelCore/Text.h"
+#include "OstrelCore/URLScheme.h"
 #include "OstrelPlatform/RemoteReader.h"
 
 #include <QBuffer>
@@ -20,17 +21,6 @@ constexpr qint64 MostPixels = 64'000'000;
 constexpr int MostMegabytes = 256;
 constexpr qint64 MostShapeBytes = 1 << 20;
 constexpr qsizetype MostShapeReuses = 32;
-
-/// The text before the first colon, in lower case; empty when it is no scheme of a URL.
-std::string schemeOf(std::string_view text) {
-    const auto scheme = text.substr(0, text.find(':'));
-    const auto isLetter = [](char c) { return asciiUpper(c) >= 'A' && asciiUpper(c) <= 'Z'; };
-    const auto isSchemeCharacter
-        = [&](char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.'; };
-    const bool isScheme = scheme.size() < text.size() && !scheme.empty() && isLetter(scheme.front())
-        && std::all_of(scheme.begin(), scheme.end(), isSchemeCharacter);
-    return isScheme ? lowerCased(scheme) : std::string();
-}
 
 /// Pictures of shapes can be small and take for ever: shapes that use shapes multiply, and a compressed one may be of
 /// any size.
@@ -88,12 +78,12 @@ QImage loadDataURL(std::string_view url) {
 } // namespace
 
 bool isImageURL(std::string_view text) {
-    const auto scheme = schemeOf(text);
+    const auto scheme = lowerCased(urlScheme(text));
     return scheme == "http" || scheme == "https" || scheme == "file" || scheme == "data";
 }
 
 QImage load(const std::string& pathOrURL, RemoteReader& remoteReader) {
-    const auto scheme = schemeOf(pathOrURL);
+    const auto scheme = lowerCased(urlScheme(pathOrURL));
     if (scheme == "data")
         return loadDataURL(pathOrURL);
     if (scheme == "file")

@@ -2,6 +2,7 @@
 
 #include "OstrelCore/Paths.h"
 #include "OstrelCore/Text.h"
+#include "OstrelCore/URLScheme.h"
 #include "OstrelEngine/Widget/ActionGrammar.h"
 
 namespace Ostrel {
@@ -17,14 +18,6 @@ bool isASCIILetter(char c) {
 /// Not taken from the skin's folder.
 bool standsAlone(std::string_view path) {
     return path.starts_with('/') || path.starts_with('~') || isWindowsAbsolutePath(path);
-}
-
-bool hasURLScheme(std::string_view text) {
-    if (text.empty() || !isASCIILetter(text.front()))
-        return false;
-    const auto end = std::find_if_not(text.begin(), text.end(),
-        [](char c) { return isASCIILetter(c) || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.'; });
-    return end != text.end() && *end == ':';
 }
 
 /// The part of a config that lies below the pack's root; the whole when the pack's own name does not lead it.
@@ -51,10 +44,7 @@ std::string SkinFileTargets::expandPathVariables(std::string_view text) const {
     std::string result(text);
     if (result.find('#') == std::string::npos)
         return result;
-    const auto directory = skinDirectory();
-    result = replacingOccurrencesIgnoringCase(result, "#@#", sharedResourcesDirectory(directory) + "/");
-    result = replacingOccurrencesIgnoringCase(
-        result, "#CURRENTPATH#", directory.ends_with('/') ? directory : directory + "/");
+    result = replacingFolderVariables(result, skinDirectory());
     result = replacingOccurrencesIgnoringCase(result, "#CURRENTFILE#", lastPathComponent(skinPath_));
     for (const auto& variable : variables_) {
         if (result.size() > LongestExpansion || result.find('#') == std::string::npos)
@@ -87,7 +77,7 @@ std::optional<SkinFileTargets::External> SkinFileTargets::resolveExternalTarget(
     const auto target = ActionGrammar::stripQuotes(text);
     if (target.empty())
         return std::nullopt;
-    if (hasURLScheme(target))
+    if (!urlScheme(target).empty())
         return External{External::Kind::url, std::string(target)};
     const auto path = normalizeSeparators(target);
     return External{External::Kind::file,
