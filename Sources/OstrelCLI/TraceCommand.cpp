@@ -50,6 +50,9 @@ public:
         skin.onUpdate = [this](const auto&) { ++published_; };
         skin.onInputTextPrompt = [this](const auto& presentation) { recordInput(presentation); };
         skin.workspace().onOpen = [this](const std::string& target) { record("open", {{"target", target}}); };
+        skin.workspace().onLaunch = [this](const std::string& program, const std::vector<std::string>& arguments) {
+            record("launch", {{"program", program}, {"arguments", arguments}});
+        };
         runtime.onDeactivateRequest = [this] { record("deactivate"); };
         runtime.onDeactivateConfigRequest = [this](const std::string& path) {
             record("deactivateConfig", {{"path", path}});

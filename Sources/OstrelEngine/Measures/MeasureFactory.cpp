@@ -9,6 +9,7 @@
 #include "OstrelEngine/Measures/MemoryMeasure.h"
 #include "OstrelEngine/Measures/MousePluginMeasure.h"
 #include "OstrelEngine/Measures/NetMeasure.h"
+#include "OstrelEngine/Measures/RunCommandMeasure.h"
 #include "OstrelEngine/Measures/ScriptMeasure.h"
 #include "OstrelEngine/Measures/StringMeasure.h"
 #include "OstrelEngine/Measures/TimeMeasure.h"
@@ -40,9 +41,10 @@ std::unique_ptr<BaseMeasure> makeTime(
     return std::make_unique<TimeMeasure>(definition, skinPath, platform.clock);
 }
 
-std::unique_ptr<BaseMeasure> makeAudioLevel(
+template <typename Measure>
+std::unique_ptr<BaseMeasure> makeOfPlatform(
     const MeasureDefinition& definition, const std::string& skinPath, const Platform& platform) {
-    return std::make_unique<AudioLevelMeasure>(definition, skinPath, platform);
+    return std::make_unique<Measure>(definition, skinPath, platform);
 }
 
 struct Row {
@@ -68,9 +70,10 @@ constexpr Row Types[] = {
 };
 
 constexpr Row Plugins[] = {
-    {"AUDIOLEVEL", makeAudioLevel},
+    {"AUDIOLEVEL", makeOfPlatform<AudioLevelMeasure>},
     {"INPUTTEXT", make<InputTextMeasure>},
     {"MOUSE", make<MousePluginMeasure>},
+    {"RUNCOMMAND", makeOfPlatform<RunCommandMeasure>},
     {"WIN7AUDIOPLUGIN", make<Win7AudioPluginMeasure>},
 };
 

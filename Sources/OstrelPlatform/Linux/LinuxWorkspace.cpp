@@ -18,4 +18,8 @@ bool LinuxWorkspace::openFile(const std::string& path) {
     return QFileInfo::exists(file) && QDesktopServices::openUrl(QUrl::fromLocalFile(file));
 }
 
+bool LinuxWorkspace::launch(const std::string& program, const std::vector<std::string>& arguments) {
+    return programs_.launch(program, arguments);
+}
+
 } // namespace Ostrel

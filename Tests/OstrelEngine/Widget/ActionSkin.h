@@ -4,8 +4,8 @@
 #include "OstrelCore/SkinLoader.h"
 #include "OstrelEngine/Widget/SkinRuntime.h"
 #include "OstrelPlatform/VirtualTime.h"
-#include "OstrelPlatform/Workspace.h"
 #include "Support/FakePlatform.h"
+#include "Support/FakeWorkspace.h"
 #include "Support/TemporaryFolder.h"
 
 #include <filesystem>
@@ -59,30 +59,13 @@ public:
     }
     std::string fileText() const { return DiskFileProvider().contentsOfFile(path).value_or("(none)"); }
 
-    class Recorder final : public Workspace {
-    public:
-        explicit Recorder(std::vector<std::string>& log)
-            : log_(log) { }
-        bool openURL(const std::string& url) override {
-            log_.push_back("url " + url);
-            return true;
-        }
-        bool openFile(const std::string& file) override {
-            log_.push_back("file " + file);
-            return true;
-        }
-
-    private:
-        std::vector<std::string>& log_;
-    };
-
     TemporaryFolder folder;
     std::string path;
     /// The pack's folder, in which the skin's own lies as "Skin".
     std::string pack;
     FakePlatform fakes;
     std::vector<std::string> log;
-    Recorder workspace{log};
+    FakeWorkspace workspace{log};
     std::shared_ptr<SkinRuntime> runtime;
 
 private:

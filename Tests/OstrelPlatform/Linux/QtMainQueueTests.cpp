@@ -1,10 +1,7 @@
 #include "OstrelPlatform/Linux/QtMainQueue.h"
 
 #include "OstrelPlatform/HostStatistics.h"
-
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QEventLoop>
+#include "Support/EventLoop.h"
 
 #include <gtest/gtest.h>
 
@@ -25,13 +22,6 @@ public:
     std::optional<FileSystemFigures> fileSystem(const std::string&) override { return {}; }
     std::optional<NetworkBytes> networkBytes() override { return {}; }
 };
-
-template <typename Condition> bool runLoopUntil(const Condition& condition) {
-    const QDeadlineTimer deadline(std::chrono::seconds(20));
-    while (!condition() && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
-    return condition();
-}
 
 class QtMainQueueTest : public testing::Test {
 protected:
