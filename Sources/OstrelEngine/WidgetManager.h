@@ -54,6 +54,8 @@ private:
     const Platform& platform_;
     DesktopPanels& desktop_;
     Widgets activeWidgets_;
+    /// Expires with the manager: a controller may be held longer by others.
+    std::shared_ptr<void> life_ = std::make_shared<int>();
 };
 
 } // namespace Ostrel

@@ -2,6 +2,7 @@
 
 #include "OstrelGUI/OstrelSessionState.h"
 #include "OstrelGUI/OstrelSessionStore.h"
+#include "OstrelGUI/SessionLibraryItems.h"
 #include "OstrelGUI/WidgetLibraryItem.h"
 
 #include <functional>
@@ -13,6 +14,7 @@
 
 namespace Ostrel {
 
+class SkinPacks;
 class UserDefaults;
 class WidgetController;
 class WidgetManager;
@@ -29,7 +31,7 @@ public:
     OstrelSessionController& operator=(const OstrelSessionController&) = delete;
 
     /// Sorted by package, then name, without regard to case, as the user's language has it.
-    const std::vector<WidgetLibraryItem>& libraryItems() const { return libraryItems_; }
+    const std::vector<WidgetLibraryItem>& libraryItems() const { return libraryItems_.items(); }
     /// After every change of the items. One observer; the session does not know windows.
     std::function<void()> onLibraryItemsChange;
 
@@ -50,10 +52,28 @@ public:
     void setTerminating() { isTerminating_ = true; }
 
 private:
-    std::vector<WidgetLibraryItem> libraryItems_;
+    void registerDiscovered(std::span<const std::string> paths, SkinPacks& packs);
+    void renderWidget(const std::string& path, std::optional<Point> origin, SkinPacks& packs);
+    void saveNow();
+
+    void handleLaunch(const std::shared_ptr<WidgetController>& controller);
+    void handleStop(const std::string& path);
+    void updateRuntime(const std::string& path, const WidgetRuntimeState& runtime);
+    void updateOrigin(const std::string& path, Point origin);
+    void updateSnapshot(const std::string& path, std::string snapshotData);
+    OstrelWidgetState stateOf(const std::string& path, bool isRenderedWhenNew) const;
+
+    void captureSnapshotLater(const std::string& path, const std::shared_ptr<WidgetController>& controller);
+
+    WidgetManager& widgetManager_;
+    const Platform& platform_;
+    OstrelSessionStore store_;
     OstrelSessionState state_;
+    SessionLibraryItems libraryItems_;
     bool didRestore_ = false;
     bool isTerminating_ = false;
+    /// Expires with the session.
+    std::shared_ptr<void> life_ = std::make_shared<int>();
 };
 
 } // namespace Ostrel

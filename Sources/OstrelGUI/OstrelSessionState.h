@@ -17,14 +17,16 @@ struct OstrelWidgetState {
     /// Of the skin file; identifies the widget.
     std::string path;
     /// Bottom left corner of its window, y upward, relative to the primary screen; absent when it was never shown.
-    std::optional<Point> origin;
-    std::optional<WidgetRuntimeState> runtime;
+    std::optional<Point> origin = std::nullopt;
+    /// Null when there is none. Neither this nor the picture is ever changed in place, so that copies of a state are
+    /// cheap and what is the same is known by its place.
+    std::shared_ptr<const WidgetRuntimeState> runtime = nullptr;
     /// Whether it was showing.
     bool isRendered = false;
-    /// A PNG of the widget, never changed in place, so that copies of the state are cheap; null when there is none.
-    std::shared_ptr<const std::string> snapshotData;
+    /// A PNG of the widget; null when there is none.
+    std::shared_ptr<const std::string> snapshotData = nullptr;
 
-    /// Pictures compare by their bytes.
+    /// Run-time states and pictures compare by their contents.
     friend bool operator==(const OstrelWidgetState& a, const OstrelWidgetState& b);
 };
 
@@ -40,5 +42,11 @@ struct OstrelSessionState {
 
     friend bool operator==(const OstrelSessionState&, const OstrelSessionState&) = default;
 };
+
+/// Whether both are null, or neither is and their contents are equal.
+template <typename Content>
+bool equalContents(const std::shared_ptr<const Content>& a, const std::shared_ptr<const Content>& b) {
+    return a == b || (a && b && *a == *b);
+}
 
 } // namespace Ostrel

@@ -70,7 +70,7 @@ public:
     struct Change {
         bool list = false;
         bool selection = false;
-        std::optional<ScanID> state;
+        std::optional<ScanID> state = std::nullopt;
     };
     /// After every change.
     std::function<void(const Change&)> onChange;

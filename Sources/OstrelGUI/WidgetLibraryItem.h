@@ -13,7 +13,7 @@ struct WidgetLibraryItem {
     std::string relativePath;
     bool isRendered = false;
     /// A PNG, shared with the session; null when there is none. Another picture is another pointer.
-    std::shared_ptr<const std::string> snapshotData;
+    std::shared_ptr<const std::string> snapshotData = nullptr;
 
     friend bool operator==(const WidgetLibraryItem&, const WidgetLibraryItem&) = default;
 };

@@ -17,6 +17,8 @@ public:
     WidgetCanvasView& operator=(const WidgetCanvasView&) = delete;
 
     const WidgetCanvas& canvas() const { return canvas_; }
+    /// As it was last displayed; null outside a window.
+    const QImage* picture() const { return picture_; }
     CanvasInput& input() { return canvas_.input(); }
     /// Takes a publication over; `display` shows it.
     void setDrawables(std::span<const Drawable> drawables) { canvas_.setDrawables(drawables); }

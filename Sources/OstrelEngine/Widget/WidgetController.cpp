@@ -6,6 +6,7 @@
 #include "OstrelEngine/Widget/BackgroundOptions.h"
 #include "OstrelEngine/Widget/CanvasWiring.h"
 #include "OstrelEngine/Widget/PanelPlacement.h"
+#include "OstrelEngine/Widget/PreviewPicture.h"
 #include "OstrelEngine/Widget/SkinRuntime.h"
 #include "OstrelEngine/Widget/WidgetCanvasView.h"
 #include "OstrelEngine/Widget/WidgetPanel.h"
@@ -59,6 +60,12 @@ std::optional<WidgetRuntimeState> WidgetController::snapshotRuntimeState() const
 
 bool WidgetController::isFrozen() const {
     return window_ && !window_->panel.isMovableByBackground();
+}
+
+std::optional<std::string> WidgetController::snapshotPreviewData(double maxDimension) const {
+    if (!window_ || !window_->view.picture())
+        return std::nullopt;
+    return previewPNG(*window_->view.picture(), window_->view.canvas().size(), maxDimension);
 }
 
 void WidgetController::start(std::optional<Point> origin, const std::optional<WidgetRuntimeState>& state) {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace Ostrel {
 
@@ -34,6 +35,9 @@ public:
     /// Absent while stopped.
     std::optional<WidgetRuntimeState> snapshotRuntimeState() const;
     bool isFrozen() const;
+    /// A PNG of what the widget shows now, no larger than `maxDimension` pixels in either dimension. Absent while
+    /// stopped, and for a widget of a point or less in either dimension.
+    std::optional<std::string> snapshotPreviewData(double maxDimension = 420) const;
 
     /// Does nothing to a running widget.
     void start(

@@ -5,6 +5,7 @@
 #include "OstrelPlatform/Linux/LinuxClock.h"
 #include "OstrelPlatform/Linux/LinuxHostStatistics.h"
 #include "OstrelPlatform/Linux/LinuxWorkspace.h"
+#include "OstrelPlatform/Linux/QSettingsUserDefaults.h"
 #include "OstrelPlatform/Linux/QtMainQueue.h"
 #include "OstrelPlatform/Platform.h"
 
@@ -22,6 +23,7 @@ public:
 
     const Platform& ports() const { return ports_; }
     DesktopPanels& desktopPanels() { return *desktopPanels_; }
+    UserDefaults& defaults() { return defaults_; }
 
 private:
     LinuxClock clock_;
@@ -30,6 +32,7 @@ private:
     FontconfigRegistrar fonts_;
     LazyRemoteReader remoteReader_;
     LinuxWorkspace workspace_;
+    QSettingsUserDefaults defaults_;
     std::unique_ptr<DesktopPanels> desktopPanels_;
     Platform ports_;
 };

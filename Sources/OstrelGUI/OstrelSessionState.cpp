@@ -1,0 +1,28 @@
+#include "OstrelGUI/OstrelSessionState.h"
+
+#include <algorithm>
+
+namespace Ostrel {
+
+bool operator==(const OstrelWidgetState& a, const OstrelWidgetState& b) {
+    return a.path == b.path && a.origin == b.origin && a.isRendered == b.isRendered
+        && equalContents(a.runtime, b.runtime) && equalContents(a.snapshotData, b.snapshotData);
+}
+
+std::optional<std::size_t> OstrelSessionState::index(std::string_view path) const {
+    const auto found = std::ranges::find(widgets, path, &OstrelWidgetState::path);
+    return found == widgets.end() ? std::nullopt : std::optional(static_cast<std::size_t>(found - widgets.begin()));
+}
+
+void OstrelSessionState::upsert(OstrelWidgetState widget) {
+    if (const auto position = index(widget.path))
+        widgets[*position] = std::move(widget);
+    else
+        widgets.push_back(std::move(widget));
+}
+
+void OstrelSessionState::remove(std::string_view path) {
+    std::erase_if(widgets, [path](const auto& widget) { return widget.path == path; });
+}
+
+} // namespace Ostrel

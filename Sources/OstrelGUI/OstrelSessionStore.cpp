@@ -1,0 +1,110 @@
+#include "OstrelGUI/OstrelSessionStore.h"
+
+#include "OstrelGUI/SessionCoding.h"
+#include "OstrelGUI/SessionJournal.h"
+#include "OstrelGUI/SessionReplay.h"
+#include "OstrelPlatform/ThreadSerialQueue.h"
+#include "OstrelPlatform/UserDefaults.h"
+
+namespace Ostrel {
+
+namespace {
+
+/// A journal below this is not worth a fold.
+constexpr std::size_t MinFoldSize = 1U << 20;
+/// After a failure to write the base, which costs megabytes of encoding a time.
+constexpr int SavesToSkip = 200;
+
+} // namespace
+
+OstrelSessionStore::OstrelSessionStore(UserDefaults& defaults)
+    : defaults_(defaults)
+    , background_(std::make_unique<ThreadSerialQueue>()) {
+    if (const auto folder = defaults.folder())
+        journal_ = std::make_unique<SessionJournal>(*folder, Key);
+}
+
+OstrelSessionStore::~OstrelSessionStore() {
+    background_.reset();
+    if (hasBase_ && journal_ && !journal_->isEmpty())
+        writeBase(saved_, journal_->rotate());
+}
+
+OstrelSessionState OstrelSessionStore::load() {
+    isLoaded_ = true;
+    if (auto base = loadBase()) {
+        saved_ = std::move(*base);
+        return saved_;
+    }
+    // A journal means nothing without its base.
+    if (journal_)
+        journal_->setAside();
+    if (const auto legacy = defaults_.data(LegacyKey))
+        saved_ = decodeLegacySession(*legacy).value_or(OstrelSessionState());
+    return saved_;
+}
+
+std::optional<OstrelSessionState> OstrelSessionStore::loadBase() {
+    const auto bytes = defaults_.data(Key);
+    auto base = bytes ? decodeSession(*bytes) : std::nullopt;
+    if (!base) {
+        // Whatever is there, the next save must not destroy it.
+        defaults_.setDataAside(Key);
+        return std::nullopt;
+    }
+    hasBase_ = true;
+    baseSize_ = bytes->size();
+    const auto changes = journal_ ? journal_->read(checksum(*bytes)) : std::vector<std::string>();
+    if (changes.empty())
+        return base;
+    SessionReplay replay(std::move(*base));
+    for (const auto& change : changes)
+        replay.apply(change);
+    saved_ = replay.take();
+    foldLater();
+    return saved_;
+}
+
+void OstrelSessionStore::save(const OstrelSessionState& state) {
+    if (!isLoaded_)
+        load();
+    if (!hasBase_ || !journal_)
+        return saveBase(state);
+    const auto change = encodeChange(saved_, state);
+    if (!change || !journal_->append(*change))
+        return;
+    saved_ = state;
+    if (journal_->size() > std::max<std::size_t>(MinFoldSize, baseSize_))
+        foldLater();
+}
+
+void OstrelSessionStore::saveBase(const OstrelSessionState& state) {
+    if (savesToSkip_ > 0) {
+        --savesToSkip_;
+        return;
+    }
+    const int number = journal_ ? journal_->rotate() : 0;
+    hasBase_ = writeBase(state, number);
+    if (hasBase_)
+        saved_ = state;
+    else
+        savesToSkip_ = SavesToSkip;
+}
+
+void OstrelSessionStore::foldLater() {
+    background_->post([this, state = saved_, number = journal_->rotate()] { writeBase(state, number); });
+}
+
+bool OstrelSessionStore::writeBase(const OstrelSessionState& state, int journalNumber) {
+    const auto bytes = encodeSession(state);
+    if (journal_)
+        journal_->markFolded(journalNumber, checksum(bytes));
+    if (!defaults_.setData(Key, bytes))
+        return false;
+    baseSize_ = bytes.size();
+    if (journal_)
+        journal_->discard(journalNumber);
+    return true;
+}
+
+} // namespace Ostrel
