@@ -21,7 +21,8 @@ std::unique_ptr<HeadlessSkin> HeadlessSkin::load(const std::string& path, std::o
 
 HeadlessSkin::HeadlessSkin(SkinConfig config, std::optional<double> wallSeconds)
     : time_(wallSeconds)
-    , audio_(time_) {
+    , audio_(time_)
+    , player_(time_) {
     time_.onWake = [this] { hostStatistics_.beginWake(); };
     runtime_ = SkinRuntime::create(std::move(config),
         Platform{.clock = time_,
@@ -30,7 +31,8 @@ HeadlessSkin::HeadlessSkin(SkinConfig config, std::optional<double> wallSeconds)
             .fonts = fonts_,
             .remoteReader = remoteReader_,
             .audioSpectrum = &audio_.spectrum(),
-            .workspace = &workspace_});
+            .workspace = &workspace_,
+            .mediaPlayers = &player_.bridges()});
     runtime_->onUpdate = [this](const auto& drawables) { publish(drawables); };
     runtime_->onInputTextPrompt = [this](const auto& presentation) { prompt(presentation); };
     connectCanvas(input_, runtime_, hostStatistics_);
@@ -55,19 +57,19 @@ void HeadlessSkin::prompt(const std::optional<InputTextPresentation>& presentati
 
 void HeadlessSkin::start() {
     runtime_->start();
-    time_.runQueued();
+    runPending();
 }
 
 void HeadlessSkin::stop() {
     runtime_->stop();
-    time_.runQueued();
+    runPending();
 }
 
 void HeadlessSkin::tick() {
     time_.advance(runtime_->updateIntervalSeconds());
     audio_.pass(runtime_->updateIntervalSeconds());
     time_.fireTimers();
-    time_.runQueued();
+    runPending();
 }
 
 void HeadlessSkin::tickInRealTime() {
@@ -78,16 +80,28 @@ void HeadlessSkin::tickInRealTime() {
 
 void HeadlessSkin::wait(double seconds) {
     time_.advance(seconds);
-    time_.runQueued();
+    runPending();
 }
 
 void HeadlessSkin::act(const std::function<void()>& happening) {
     happening();
+    runPending();
+}
+
+void HeadlessSkin::runPending() {
     time_.runQueued();
+    player_.deliver();
 }
 
 void HeadlessSkin::playAudio(const std::string& path) {
     if (audio_.play(path))
+        return;
+    printMessage("cannot read " + path);
+    lacksInput_ = true;
+}
+
+void HeadlessSkin::answerPollsFrom(const std::string& path) {
+    if (player_.setAnswerFromFile(path))
         return;
     printMessage("cannot read " + path);
     lacksInput_ = true;

@@ -2,6 +2,7 @@
 
 #include "OstrelCLI/HeadlessApplication.h"
 #include "OstrelCLI/HeadlessAudio.h"
+#include "OstrelCLI/HeadlessPlayer.h"
 #include "OstrelCLI/RecordingWorkspace.h"
 #include "OstrelEngine/Widget/CanvasInput.h"
 #include "OstrelEngine/Widget/SkinRuntime.h"
@@ -45,12 +46,16 @@ public:
     /// What the pointer and the input field do; no window is there to send it.
     CanvasInput& input() { return input_; }
     RecordingWorkspace& workspace() { return workspace_; }
+    HeadlessPlayer& player() { return player_; }
 
     /// Every publication, and every call for the input field.
     std::function<void(const std::vector<Drawable>&)> onUpdate;
     std::function<void(const std::optional<InputTextPresentation>&)> onInputTextPrompt;
     /// From here on each tick hears the next interval of this file. That it is no sound file is told on standard error.
     void playAudio(const std::string& path);
+    /// From here on this file's text is what the music player answers. That it cannot be read is told on standard
+    /// error.
+    void answerPollsFrom(const std::string& path);
     /// Whether a file was asked for that cannot be read.
     bool lacksInput() const { return lacksInput_; }
 
@@ -59,6 +64,8 @@ private:
 
     void publish(const std::vector<Drawable>& drawables);
     void prompt(const std::optional<InputTextPresentation>& presentation);
+    /// What was put off until now, and what the music player has answered.
+    void runPending();
 
     HeadlessApplication application_;
     VirtualTime time_;
@@ -66,6 +73,7 @@ private:
     FontconfigRegistrar fonts_;
     LazyRemoteReader remoteReader_;
     HeadlessAudio audio_;
+    HeadlessPlayer player_;
     RecordingWorkspace workspace_;
     std::vector<Drawable> drawables_;
     CanvasInput input_{drawables_};

@@ -55,6 +55,15 @@ template <typename Happening> Run happening(Happening body) {
     return [body = std::move(body)](HeadlessSkin& skin) { skin.act([&] { body(skin); }); };
 }
 
+Run parsePlayer(std::string_view rest) {
+    std::string answer(trimmed(rest));
+    if (answer.empty())
+        return nullptr;
+    if (answer == "NOT_RUNNING" || answer == "STOPPED")
+        return [answer = std::move(answer)](HeadlessSkin& skin) { skin.player().setAnswer(answer); };
+    return [path = std::move(answer)](HeadlessSkin& skin) { skin.answerPollsFrom(path); };
+}
+
 /// `count` finite numbers between blanks, nothing else.
 std::optional<std::vector<double>> parseNumbers(std::string_view rest, std::size_t count) {
     std::vector<double> numbers;
@@ -117,6 +126,7 @@ constexpr std::array LineKinds{
     LineKind{"input", parseInput},
     LineKind{"leave", parseLeave},
     LineKind{"move", parsePointer<&CanvasInput::mouseMoved>},
+    LineKind{"player", parsePlayer},
     LineKind{"scroll", parseScroll<false>},
     LineKind{"state", parseState},
     LineKind{"tick", parseTick},

@@ -50,6 +50,7 @@ public:
         skin.onUpdate = [this](const auto&) { ++published_; };
         skin.onInputTextPrompt = [this](const auto& presentation) { recordInput(presentation); };
         skin.workspace().onOpen = [this](const std::string& target) { record("open", {{"target", target}}); };
+        skin.player().onCommand = [this](const std::string& script) { record("player", {{"script", script}}); };
         skin.workspace().onLaunch = [this](const std::string& program, const std::vector<std::string>& arguments) {
             record("launch", {{"program", program}, {"arguments", arguments}});
         };

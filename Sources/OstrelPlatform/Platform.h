@@ -10,6 +10,7 @@ class DesktopAppearance;
 class FontRegistrar;
 class HostStatistics;
 class MainQueue;
+class MediaPlayerBridges;
 class RemoteReader;
 class Workspace;
 
@@ -27,6 +28,8 @@ struct Platform {
     Workspace* workspace = nullptr;
     /// Null where the desktop tells nothing of how it looks.
     DesktopAppearance* appearance = nullptr;
+    /// Null where no music player is asked.
+    MediaPlayerBridges* mediaPlayers = nullptr;
 };
 
 } // namespace Ostrel

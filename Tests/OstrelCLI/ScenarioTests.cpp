@@ -83,10 +83,14 @@ TEST(ScenarioTests, tracesWhatIsExpected) {
     }
     ASSERT_FALSE(skins.empty());
     std::ranges::sort(skins);
+    // Where the files are that scenarios name.
+    const auto folder = fs::current_path();
+    fs::current_path(sourcePath("Tests/Scenarios"));
     for (const auto& skin : skins) {
         SCOPED_TRACE(skin.filename());
         expectTrace(skin);
     }
+    fs::current_path(folder);
 }
 
 /// The skins that people have made: every one of them lives through 100 ticks without a word.
@@ -116,7 +120,8 @@ TEST(ScenarioTests, runsRealSkins) {
 
 TEST(ScenarioTests, refusesWhatIsNoScenario) {
     const auto skin = sourcePath("Tests/Scenarios/Layout.ini");
-    for (const char* line : {"jump", "tick x", "tick -1", "wait", "wait -1", "wait inf", "state now", " tick"}) {
+    for (const char* line :
+        {"jump", "tick x", "tick -1", "wait", "wait -1", "wait inf", "state now", " tick", "player"}) {
         const auto result = runOstrel({"trace", skin, "-"}, std::string("tick\n") + line + "\n");
         EXPECT_EQ(result.status, 2) << line;
         EXPECT_EQ(result.output, "") << line;

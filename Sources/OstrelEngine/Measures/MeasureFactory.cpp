@@ -9,6 +9,7 @@
 #include "OstrelEngine/Measures/MemoryMeasure.h"
 #include "OstrelEngine/Measures/MousePluginMeasure.h"
 #include "OstrelEngine/Measures/NetMeasure.h"
+#include "OstrelEngine/Measures/NowPlayingMeasure.h"
 #include "OstrelEngine/Measures/RunCommandMeasure.h"
 #include "OstrelEngine/Measures/ScriptMeasure.h"
 #include "OstrelEngine/Measures/StringMeasure.h"
@@ -47,6 +48,18 @@ std::unique_ptr<BaseMeasure> makeOfPlatform(
     return std::make_unique<Measure>(definition, skinPath, platform);
 }
 
+std::unique_ptr<BaseMeasure> makeWebNowPlaying(
+    const MeasureDefinition& definition, const std::string& skinPath, const Platform& platform) {
+    return makeOfPlatform<NowPlayingMeasure>(
+        makeNowPlayingAliasDefinition(definition, "SPOTIFY", "PlayerType"), skinPath, platform);
+}
+
+std::unique_ptr<BaseMeasure> makeDesktopPlayer(
+    const MeasureDefinition& definition, const std::string& skinPath, const Platform& platform) {
+    return makeOfPlatform<NowPlayingMeasure>(
+        makeNowPlayingAliasDefinition(definition, "SPOTIFY", "PlayerInfo"), skinPath, platform);
+}
+
 struct Row {
     /// Of a measure, or the name of a plugin.
     std::string_view type;
@@ -55,6 +68,7 @@ struct Row {
 
 constexpr Row Types[] = {
     {"TIME", makeTime},
+    {"NOWPLAYING", makeOfPlatform<NowPlayingMeasure>},
     {"CPU", makeOfHost<CPUMeasure>},
     {"PHYSICALMEMORY", makeOfHost<MemoryMeasure>},
     {"MEMORY", makeOfHost<MemoryMeasure>},
@@ -70,6 +84,9 @@ constexpr Row Types[] = {
 };
 
 constexpr Row Plugins[] = {
+    {"NOWPLAYING", makeOfPlatform<NowPlayingMeasure>},
+    {"WEBNOWPLAYING", makeWebNowPlaying},
+    {"GPMDPPLUGIN", makeDesktopPlayer},
     {"AUDIOLEVEL", makeOfPlatform<AudioLevelMeasure>},
     {"INPUTTEXT", make<InputTextMeasure>},
     {"MOUSE", make<MousePluginMeasure>},
@@ -93,6 +110,19 @@ std::unique_ptr<BaseMeasure> create(
     const auto type = upperCased(definition.measureType);
     const auto create = type == "PLUGIN" ? findPlugin(definition.pluginName.value_or("")) : find(Types, type);
     return create(definition, skinPath, platform);
+}
+
+MeasureDefinition makeNowPlayingAliasDefinition(
+    MeasureDefinition definition, std::string_view fallbackPlayerName, std::string_view typeOptionKey) {
+    auto& options = definition.allOptions;
+    const auto* type = options.find(typeOptionKey);
+    if (!options.find("PlayerType") && type && !type->empty())
+        options.set("PlayerType", std::string(*type));
+    const auto* player = options.find("PlayerName");
+    if (!player || player->empty())
+        options.set("PlayerName", std::string(fallbackPlayerName));
+    definition.measureType = "NowPlaying";
+    return definition;
 }
 
 } // namespace Ostrel::MeasureFactory

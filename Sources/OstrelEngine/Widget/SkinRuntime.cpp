@@ -5,6 +5,7 @@
 #include "OstrelEngine/Measures/InputTextMeasure.h"
 #include "OstrelEngine/Measures/MeasureFactory.h"
 #include "OstrelEngine/Measures/MousePluginMeasure.h"
+#include "OstrelEngine/Measures/NowPlayingMeasure.h"
 #include "OstrelEngine/Measures/ScriptMeasure.h"
 #include "OstrelEngine/Meters/MeterFactory.h"
 #include "OstrelEngine/OptionResolver.h"
@@ -94,6 +95,8 @@ void SkinRuntime::connectMeasures() {
         auto* const measure = &measures_.at(i);
         if (auto* input = dynamic_cast<InputTextMeasure*>(measure))
             connectInput(*input);
+        else if (auto* nowPlaying = dynamic_cast<NowPlayingMeasure*>(measure))
+            nowPlaying->onTrackChangeAction = actionHandler();
         else if (auto* script = dynamic_cast<ScriptMeasure*>(measure))
             script->onAction = actionHandler();
         else if (dynamic_cast<MousePluginMeasure*>(measure))
