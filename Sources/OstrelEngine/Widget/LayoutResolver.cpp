@@ -35,10 +35,14 @@ struct Bounds {
     void include(const Rect& rect) {
         minX = std::min(minX, rect.minX());
         minY = std::min(minY, rect.minY());
-        maxX = std::max(maxX, rect.maxX());
-        maxY = std::max(maxY, rect.maxY());
+        maxX = std::max(maxX, farEdge(rect.x, rect.width));
+        maxY = std::max(maxY, farEdge(rect.y, rect.height));
     }
     bool isEmpty() const { return minX == Nowhere || minY == Nowhere; }
+
+private:
+    /// No number where the length is none: the order of the two keeps it.
+    static double farEdge(double origin, double length) { return std::max(origin + length, origin); }
 };
 
 } // namespace

@@ -45,6 +45,8 @@ TEST(LayoutResolverTests, keepsContentBelowThePaddingAndRightOfTheEdge) {
         {"[A]\nMeter=Roundline\nX=-10\nY=40\nW=300\nH=10\n[B]\nMeter=Roundline\nX=5\nY=60\nW=1\nH=1\n",
             {"A 0 40 300 10", "B 15 60 1 1"}, {324, 85}},
         {"[A]\nMeter=Roundline\nX=50\nY=50\nW=-100\nH=-50\n", {"A 100 74 -100 -50"}, {220, 98}},
+        {"[A]\nMeter=Roundline\nX=500\nY=600\nW=nan\nH=nan\n[B]\nMeter=Roundline\nY=30\nW=9\nH=9\n",
+            {"A 500 600 nan nan", "B 0 30 9 9"}, {220, 63}},
     });
 }
 
