@@ -20,11 +20,13 @@ public:
         : channel_(channel) { }
 
     std::optional<std::string> data(std::string_view) const override { return std::nullopt; }
-    void setData(std::string_view, std::string_view) override { }
+    bool setData(std::string_view, std::string_view) override { return false; }
+    void setDataAside(std::string_view) override { }
     std::optional<std::string> string(std::string_view key) const override;
     void setString(std::string_view key, std::string_view value) override;
     std::optional<bool> boolean(std::string_view key) const override;
     void setBoolean(std::string_view key, bool value) override;
+    std::optional<std::string> folder() const override { return std::nullopt; }
 
     /// Takes the message that is about settings. False for all others.
     bool handle(const nlohmann::json& message);

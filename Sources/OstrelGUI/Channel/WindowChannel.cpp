@@ -25,7 +25,8 @@ bool wouldWait() {
 } // namespace
 
 WindowChannel::WindowChannel(FileDescriptor socket)
-    : socket_(std::move(socket)) {
+    : socket_(std::move(socket))
+    , life_(std::make_unique<QObject>()) {
     fcntl(socket_.get(), F_SETFL, fcntl(socket_.get(), F_GETFL) | O_NONBLOCK);
     fcntl(socket_.get(), F_SETFD, FD_CLOEXEC);
     readable_ = std::make_unique<QSocketNotifier>(socket_.get(), QSocketNotifier::Read);
@@ -116,7 +117,7 @@ void WindowChannel::end() {
     socket_.reset();
     queue_.clear();
     queuedBytes_ = 0;
-    QTimer::singleShot(0, readable_.get(), [this] {
+    QTimer::singleShot(0, life_.get(), [this] {
         if (onEnd)
             std::exchange(onEnd, nullptr)();
     });

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+class QObject;
 class QSocketNotifier;
 
 namespace Ostrel {
@@ -60,6 +61,8 @@ private:
     std::unique_ptr<QSocketNotifier> writable_;
     std::deque<Outgoing> queue_;
     std::size_t queuedBytes_ = 0;
+    /// What is to happen later ends with it.
+    std::unique_ptr<QObject> life_;
 };
 
 } // namespace Ostrel

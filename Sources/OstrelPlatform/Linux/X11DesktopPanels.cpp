@@ -2,6 +2,7 @@
 
 #include "OstrelPlatform/Linux/X11Atoms.h"
 #include "OstrelPlatform/Linux/X11PanelSurface.h"
+#include "OstrelPlatform/Linux/X11Screen.h"
 
 #include <QAbstractEventDispatcher>
 #include <QAbstractNativeEventFilter>
@@ -18,35 +19,9 @@ namespace Ostrel {
 
 namespace {
 
-/// Frees what xcb allocated.
-struct Free {
-    void operator()(void* reply) const { std::free(reply); }
-};
-template <typename Reply> using Answer = std::unique_ptr<Reply, Free>;
+using X11Screen::Answer;
 
-// Of the class that desktop files and window rules know the program by.
-constexpr char WindowClass[] = "ostrel-gui\0dev.ostrel.gui";
 constexpr std::uint32_t EveryDesktop = 0xFFFFFFFF;
-
-int screenNumber() {
-    char* host = nullptr;
-    int display = 0;
-    int screen = 0;
-    if (xcb_parse_display(nullptr, &host, &display, &screen))
-        std::free(host);
-    return screen;
-}
-
-bool hasPlainPixels(const xcb_setup_t* setup) {
-    if (setup->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST || Q_BYTE_ORDER != Q_LITTLE_ENDIAN)
-        return false;
-    for (auto formats = xcb_setup_pixmap_formats_iterator(setup); formats.rem; xcb_format_next(&formats)) {
-        const auto& format = *formats.data;
-        if ((format.depth == 24 || format.depth == 32) && (format.bits_per_pixel != 32 || format.scanline_pad != 32))
-            return false;
-    }
-    return true;
-}
 
 } // namespace
 
@@ -54,7 +29,7 @@ bool hasPlainPixels(const xcb_setup_t* setup) {
 class X11DesktopPanels::Server : public QAbstractNativeEventFilter {
 public:
     explicit Server(xcb_connection_t* connection)
-        : atoms(connection, screenNumber()) {
+        : atoms(connection, X11Screen::number()) {
         screen.connection = connection;
         screen.sharesMemory = X11PanelSurface::canShareMemory(connection);
         screen.blends = isComposited();
@@ -131,7 +106,7 @@ private:
 
 std::unique_ptr<X11DesktopPanels> X11DesktopPanels::create() {
     const auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!native || !native->connection() || !hasPlainPixels(xcb_get_setup(native->connection())))
+    if (!native || !native->connection() || !X11Screen::hasPlainPixels(native->connection()))
         return nullptr;
     return std::unique_ptr<X11DesktopPanels>(new X11DesktopPanels(std::make_unique<Server>(native->connection())));
 }
@@ -148,8 +123,9 @@ void X11DesktopPanels::pin(QWindow& window) {
     const auto set = [&](X11Atoms::Name name, std::uint32_t type, std::initializer_list<std::uint32_t> values) {
         server_->setProperty(id, name, type, {values.begin(), values.size()});
     };
+    const auto windowClass = X11Screen::windowClass();
     xcb_change_property(server_->screen.connection, XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
-        sizeof WindowClass, WindowClass);
+        static_cast<std::uint32_t>(windowClass.size()), windowClass.data());
     set(WindowType, XCB_ATOM_ATOM, {atom[TypeUtility], atom[TypeNormal]});
     set(WindowState, XCB_ATOM_ATOM,
         {atom[StateBelow], atom[StateSticky], atom[StateSkipTaskbar], atom[StateSkipPager], atom[StateSkipSwitcher]});

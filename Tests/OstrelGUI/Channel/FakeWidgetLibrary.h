@@ -45,7 +45,8 @@ public:
     std::map<std::string, bool, std::less<>> switches;
 
     std::optional<std::string> data(std::string_view key) const override { return string(key); }
-    void setData(std::string_view key, std::string_view bytes) override { setString(key, bytes); }
+    bool setData(std::string_view, std::string_view) override { return false; }
+    void setDataAside(std::string_view) override { }
     std::optional<std::string> string(std::string_view key) const override {
         const auto found = texts.find(key);
         return found == texts.end() ? std::nullopt : std::optional(found->second);
@@ -56,6 +57,7 @@ public:
         return found == switches.end() ? std::nullopt : std::optional(found->second);
     }
     void setBoolean(std::string_view key, bool value) override { switches[std::string(key)] = value; }
+    std::optional<std::string> folder() const override { return std::nullopt; }
 };
 
 } // namespace Ostrel
