@@ -1,14 +1,16 @@
 #include "OstrelGUI/OstrelGUIApp.h"
 
 #include "OstrelCore/SkinInput.h"
-#include "OstrelCore/SkinPathResolver.h"
+#include "OstrelEngine/Measures/MediaPlayerBridges.h"
 #include "OstrelEngine/Widget/WidgetController.h"
-#include "OstrelGUI/DefaultPlacement.h"
+#include "OstrelGUI/Channel/SharedSettings.h"
+#include "OstrelGUI/OpenArguments.h"
+#include "OstrelGUI/WidgetPreferences.h"
+#include "OstrelPlatform/Platform.h"
+#include "OstrelPlatform/UserDefaults.h"
 
 #include <QGuiApplication>
 #include <QScreen>
-
-#include <algorithm>
 
 namespace Ostrel {
 
@@ -22,41 +24,95 @@ Size primaryScreenSize() {
 
 } // namespace
 
-OstrelGUIApp::OstrelGUIApp(const Platform& platform, DesktopPanels& desktop)
+OstrelGUIApp::OstrelGUIApp(const Platform& platform, DesktopPanels& desktop, UserDefaults& defaults, TrayItem& tray)
     : platform_(platform)
-    , desktop_(desktop) { }
+    , defaults_(defaults)
+    , placement_(primaryScreenSize)
+    , widgetManager_(platform, desktop)
+    , sessionController_(widgetManager_, defaults, platform)
+    , library_(sessionController_, widgetManager_)
+    , window_(WindowProcess::installedProgram(), library_, defaults, platform.mainQueue)
+    , delegate_(window_, tray, platform.mainQueue) {
+    connectPreferences(widgetManager_, defaults_);
+    connectManager();
+    delegate_.hasWidgets = [this] { return !widgetManager_.activeWidgets().empty(); };
+    delegate_.isLibraryEmpty = [this] { return sessionController_.libraryItems().empty(); };
+    delegate_.terminate = [this] {
+        if (onTerminate)
+            onTerminate();
+    };
+    window_.onSettingChange = [this](const std::string& key) {
+        if (key == SharedSettings::targetMediaPlayer)
+            syncOverride();
+    };
+}
 
 OstrelGUIApp::~OstrelGUIApp() = default;
 
-bool OstrelGUIApp::open(const std::vector<std::string>& paths) {
-    auto [skinPaths, unreadablePaths] = SkinPathResolver::resolve(paths);
-    // Loading these fails too, and tells why.
-    skinPaths.insert(skinPaths.end(), unreadablePaths.begin(), unreadablePaths.end());
-    DefaultPlacement placement(primaryScreenSize(), skinPaths.size());
-    for (const auto& path : skinPaths) {
-        DiagnosticCollector diagnostics;
-        auto config = loadSkinToRun(path, diagnostics);
-        if (!config)
-            continue;
-        auto& widget
-            = widgets_.emplace_back(std::make_unique<WidgetController>(std::move(*config), platform_, desktop_));
-        widget->onStop = [this](WidgetController&) { widgetDidStop(); };
-        widget->chooseOrigin = [&](Size size) { return placement.next(size); };
-        widget->start();
-        widget->chooseOrigin = nullptr;
-    }
-    return !widgets_.empty();
+void OstrelGUIApp::connectManager() {
+    widgetManager_.chooseOrigin = [this](Size widget) { return placement_.choose(widget, origins()); };
+    // The session remembers it first.
+    widgetManager_.onWidgetStopped = [this, remember = widgetManager_.onWidgetStopped](const std::string& key) {
+        remember(key);
+        delegate_.widgetDidStop();
+    };
 }
 
-void OstrelGUIApp::widgetDidStop() {
-    const bool anyRuns = std::ranges::any_of(widgets_, [](const auto& widget) { return widget->isRunning(); });
-    if (!anyRuns && onLastStop)
-        onLastStop();
+std::vector<Point> OstrelGUIApp::origins() const {
+    std::vector<Point> points;
+    for (const auto& [key, controller] : widgetManager_.activeWidgets())
+        if (const auto origin = controller->windowOrigin())
+            points.push_back(*origin);
+    return points;
+}
+
+void OstrelGUIApp::syncOverride() const {
+    if (platform_.mediaPlayers)
+        platform_.mediaPlayers->setAppNameOverride(defaults_.string(SharedSettings::targetMediaPlayer));
+}
+
+void OstrelGUIApp::start(const OpenArguments& arguments) {
+    syncOverride();
+    sessionController_.restoreIfNeeded();
+    open(arguments);
+}
+
+void OstrelGUIApp::reopen(const OpenArguments& arguments) {
+    if (arguments.paths().empty())
+        return delegate_.applicationShouldHandleReopen();
+    open(arguments);
+}
+
+void OstrelGUIApp::open(const OpenArguments& arguments) {
+    bool areAllShown = true;
+    placement_.beginTogether(arguments.skins.size());
+    for (const auto& skin : arguments.skins)
+        areAllShown = show(skin) && areAllShown;
+    placement_.endTogether();
+    // The window tells more of a skin that cannot be shown.
+    if (!areAllShown)
+        window_.show();
+    if (!arguments.collections.empty())
+        window_.open(arguments.collections);
+    if (!arguments.skins.empty())
+        window_.scan(arguments.skins);
+}
+
+bool OstrelGUIApp::show(const std::string& skin) {
+    if (widgetManager_.isRunning(skin))
+        return true;
+    sessionController_.renderWidget(skin);
+    if (widgetManager_.isRunning(skin))
+        return true;
+    // Once more, for the reason.
+    DiagnosticCollector diagnostics;
+    loadSkinToRun(skin, diagnostics);
+    return false;
 }
 
 void OstrelGUIApp::stopAll() {
-    for (const auto& widget : widgets_)
-        widget->stop();
+    sessionController_.setTerminating();
+    widgetManager_.stopAll();
 }
 
 } // namespace Ostrel

@@ -1,38 +1,62 @@
 #pragma once
 
+#include "OstrelEngine/WidgetManager.h"
+#include "OstrelGUI/AppDelegate.h"
+#include "OstrelGUI/OstrelSessionController.h"
+#include "OstrelGUI/SessionWidgetLibrary.h"
+#include "OstrelGUI/WidgetPlacement.h"
+#include "OstrelGUI/WindowProcess.h"
+
 #include <functional>
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace Ostrel {
 
 class DesktopPanels;
-class WidgetController;
+class TrayItem;
+class UserDefaults;
+struct OpenArguments;
 struct Platform;
 
-/// The running application: the widgets that are open.
+/// The running application: the widgets, what is remembered of them, and the main window in its process.
 class OstrelGUIApp {
 public:
-    /// Both outlive the application.
-    OstrelGUIApp(const Platform& platform, DesktopPanels& desktop);
+    /// All of them outlive the application.
+    OstrelGUIApp(const Platform& platform, DesktopPanels& desktop, UserDefaults& defaults, TrayItem& tray);
     ~OstrelGUIApp();
 
-    /// Opens every skin that the paths stand for. What cannot be loaded is told on standard error; false when that was
-    /// all of them.
-    bool open(const std::vector<std::string>& paths);
-    /// Stops every widget, as skins expect it when the program ends.
+    /// Shows the widgets of the last time and what the program was started with.
+    void start(const OpenArguments& arguments);
+    /// Once the widgets are up and the tray has been asked for a place.
+    void didFinishLaunching() { delegate_.applicationDidFinishLaunching(); }
+    /// What a later start was given; without any arguments the window comes forward.
+    void reopen(const OpenArguments& arguments);
+    void openMainWindow() { delegate_.openMainWindow(); }
+    /// Stops every widget, as skins expect it when the program ends. They come back at the next start.
     void stopAll();
 
-    /// When the last widget has stopped.
-    std::function<void()> onLastStop;
+    /// Nothing is left that the user could reach.
+    std::function<void()> onTerminate;
 
 private:
-    void widgetDidStop();
+    void open(const OpenArguments& arguments);
+    /// False when the skin cannot be loaded, which has been told then.
+    bool show(const std::string& skin);
+    void connectManager();
+    /// Lets the player that the user chose stand for those of all skins.
+    void syncOverride() const;
+    std::vector<Point> origins() const;
 
     const Platform& platform_;
-    DesktopPanels& desktop_;
-    std::vector<std::unique_ptr<WidgetController>> widgets_;
+    UserDefaults& defaults_;
+    WidgetPlacement placement_;
+    WidgetManager widgetManager_;
+    OstrelSessionController sessionController_;
+    SessionWidgetLibrary library_;
+    WindowProcess window_;
+    AppDelegate delegate_;
 };
 
 } // namespace Ostrel

@@ -1,10 +1,17 @@
 #include "OstrelCore/SkinInput.h"
 #include "OstrelEngine/Measures/AudioLevelSpectrumSource.h"
+#include "OstrelGUI/AppLaunchBootstrap.h"
+#include "OstrelGUI/BundlelessSystem.h"
+#include "OstrelGUI/OpenArguments.h"
 #include "OstrelGUI/OstrelGUIApp.h"
+#include "OstrelGUI/OstrelMenuBarMenuView.h"
+#include "OstrelGUI/SingleInstance.h"
 #include "OstrelGUI/StartEnvironment.h"
 #include "OstrelGUI/TerminationSignals.h"
 #include "OstrelPlatform/Linux/LinuxPlatform.h"
 #include "OstrelPlatform/Linux/LinuxSound.h"
+#include "OstrelPlatform/Linux/LinuxTray.h"
+#include "OstrelPlatform/Linux/QSettingsUserDefaults.h"
 #include "OstrelPlatform/Linux/StartPages.h"
 #include "OstrelPlatform/Log.h"
 #include "OstrelPlatform/MainQueue.h"
@@ -12,16 +19,19 @@
 #include <QGuiApplication>
 
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
 
 namespace Ostrel {
 
 namespace {
 
+enum ExitStatus { Done = 0, NothingLoaded = 1 };
+
+/// The first pictures are on the screen by then, and are not held up by the bus.
+constexpr double TrayDelaySeconds = 0.15;
 /// By then the widgets have drawn and ticked.
 constexpr double SecondsUntilStarted = 2.5;
-
-enum ExitStatus { Done = 0, NothingLoaded = 1, WrongUsage = 2 };
 
 /// Qt's way to say that there is no display is to abort.
 void report(QtMsgType type, const QMessageLogContext&, const QString& text) {
@@ -30,12 +40,20 @@ void report(QtMsgType type, const QMessageLogContext&, const QString& text) {
         std::_Exit(NothingLoaded);
 }
 
-int run(int count, char** values) {
-    const std::vector<std::string> paths(values + 1, values + count);
-    if (paths.empty()) {
-        printMessage("usage: ostrel-gui PATH...");
-        return WrongUsage;
-    }
+std::optional<std::string> environmentText(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? std::optional<std::string>(value) : std::nullopt;
+}
+
+/// Absent where nothing can be trusted to find other instances by.
+std::unique_ptr<SingleInstance> makeInstance() {
+    std::error_code failed;
+    const auto temporary = std::filesystem::temp_directory_path(failed).string();
+    auto folder = SingleInstance::privateFolder(environmentText("XDG_RUNTIME_DIR"), temporary);
+    return folder ? std::make_unique<SingleInstance>(std::move(*folder), SingleInstance::displayName()) : nullptr;
+}
+
+int runFirst(int count, char** values, SingleInstance* instance, const OpenArguments& arguments) {
     qInstallMessageHandler(report);
     std::optional<StartEnvironment> environment(std::in_place);
     QGuiApplication application(count, values);
@@ -48,17 +66,55 @@ int run(int count, char** values) {
     AudioLevelSpectrumSource sound(
         {[] { return LinuxSound::open(); }, ports.clock, ports.mainQueue, logToStandardError});
     ports.audioSpectrum = &sound;
-    OstrelGUIApp app(ports, platform.desktopPanels());
+    QSettingsUserDefaults defaults;
     // Not a quit, which panels could refuse as they refuse to be closed.
     const auto end = [] { QGuiApplication::exit(Done); };
-    app.onLastStop = end;
+    OstrelGUIApp* open = nullptr;
+    OstrelMenuBarMenuView menu([&open] { open->openMainWindow(); }, end);
+    LinuxTray tray(menu.content());
+    tray.onMenuRequest = [&menu](const QPoint& at) { menu.popUp(at); };
+    OstrelGUIApp app(ports, platform.desktopPanels(), defaults, tray);
+    open = &app;
+    app.onTerminate = end;
     const TerminationSignals termination(end);
-    if (!app.open(paths))
-        return NothingLoaded;
+
+    app.start(arguments);
+    ports.mainQueue.postAfter(TrayDelaySeconds, [&] {
+        tray.start();
+        // For measurements, which run where there is no tray.
+        if (!qEnvironmentVariableIsSet("OSTREL_WIDGETS_ONLY"))
+            app.didFinishLaunching();
+    });
     ports.mainQueue.postAfter(SecondsUntilStarted, releaseStartPages);
+    if (instance)
+        instance->listen([&app](const auto& paths) { app.reopen(OpenArguments::sort(paths)); });
     QGuiApplication::exec();
     app.stopAll();
     return Done;
+}
+
+int run(int count, char** values) {
+    BundlelessSystem system;
+    AppLaunchBootstrap::relaunchAsAppBundleIfNeeded(system);
+    const std::vector<std::string> given(values + 1, values + count);
+    const auto arguments = OpenArguments::sort(given);
+    for (const auto& path : arguments.unreadable)
+        printMessage("cannot load " + path);
+    const auto paths = arguments.paths();
+    if (paths.empty() && !given.empty())
+        return NothingLoaded;
+
+    const auto instance = makeInstance();
+    switch (instance ? instance->start(paths) : SingleInstance::Role::First) {
+    case SingleInstance::Role::First:
+        return runFirst(count, values, instance.get(), arguments);
+    case SingleInstance::Role::HandedOver:
+        return Done;
+    case SingleInstance::Role::Unanswered:
+        printMessage("Ostrel is running already, but does not answer");
+        return NothingLoaded;
+    }
+    return NothingLoaded;
 }
 
 } // namespace

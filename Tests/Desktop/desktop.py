@@ -11,7 +11,7 @@ from pictures import read_png
 
 PATIENCE_SECONDS = 60
 SCREEN = (1280, 800)
-TOOLS = ["Xvfb", "openbox", "picom", "xprop", "xwininfo", "xdotool", "xmessage"]
+TOOLS = ["Xvfb", "openbox", "picom", "trayer", "xprop", "xwininfo", "xdotool", "xmessage"]
 
 
 def wait_for(what, condition):
@@ -27,12 +27,13 @@ def wait_for(what, condition):
 
 
 class Desktop:
-    def __init__(self, compositor=True):
+    def __init__(self, compositor=True, tray=True):
         self.folder = tempfile.mkdtemp(prefix="ostrel-desktop-")
         self.started = []
         self.pointer = None
         self.environment = dict(os.environ, HOME=self.folder, XDG_RUNTIME_DIR=self.folder, LC_ALL="C.UTF-8")
-        for name in ("WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "SESSION_MANAGER", "DBUS_SESSION_BUS_ADDRESS"):
+        for name in ("WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "SESSION_MANAGER", "DBUS_SESSION_BUS_ADDRESS",
+                     "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"):
             self.environment.pop(name, None)
         # What Qt, fontconfig and the bus keep until the end is none of ours.
         self.environment["ASAN_OPTIONS"] = "detect_leaks=0"
@@ -41,6 +42,7 @@ class Desktop:
         self.start(["openbox", "--sm-disable"])
         wait_for("the window manager", lambda: "window id" in self.output("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
         self.compositor = self.start_compositor() if compositor else None
+        self.tray = self.start_tray() if tray else None
 
     def start_server(self):
         reading, writing = os.pipe()
@@ -55,6 +57,16 @@ class Desktop:
         # Until then the screen is black.
         wait_for("the compositor", lambda: self.has_compositor() and self.screenshot().pixel(0, 0) != (0, 0, 0))
         return compositor
+
+    def start_tray(self):
+        """In the top right corner. Without one the application shows its main window."""
+        tray = self.start(["trayer", "--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24"])
+        wait_for("the tray", lambda: '"trayer"' in self.output("xwininfo", "-root", "-tree"))
+        return tray
+
+    def config(self, name="config"):
+        """The environment of a user whose settings are in a folder of that name."""
+        return {"XDG_CONFIG_HOME": os.path.join(self.folder, name)}
 
     def stop_compositor(self):
         self.stop(self.compositor)
@@ -96,11 +108,23 @@ class Desktop:
             file.write(text)
         return path
 
-    def panels(self):
-        """Windows of the program, as numbers, those that are on the screen."""
+    def windows(self, instance):
+        """Windows of our class and that instance, as numbers, those that are on the screen."""
         tree = self.output("xwininfo", "-root", "-tree")
-        found = [int(id, 16) for id in re.findall(r'(0x[0-9a-f]+) "[^\n]*"dev\.ostrel\.gui"', tree)]
+        found = [int(id, 16) for id in re.findall(rf'(0x[0-9a-f]+) [^\n]*"{instance}" "dev\.ostrel\.gui"', tree)]
         return [id for id in found if "IsViewable" in self.output("xwininfo", "-id", hex(id))]
+
+    def panels(self):
+        """The widgets."""
+        return self.windows("ostrel-gui")
+
+    def main_window(self):
+        """None while it is not on the screen."""
+        return next(iter(self.windows("ostrel-window")), None)
+
+    def tray_item(self):
+        """None while no tray shows it."""
+        return next(iter(self.windows("ostrel-tray")), None)
 
     def geometry(self, window):
         """x, y, width, height, from the screen's top left corner."""

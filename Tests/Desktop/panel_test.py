@@ -143,7 +143,7 @@ class PanelTest(WidgetTest):
     def test_opens_several_beside_each_other(self):
         desktop = self.open_desktop()
         skins = [desktop.write(f"{name}/Still.ini", STILL) for name in "abc"]
-        program, panels = self.launch(os.path.join(desktop.folder, "a"), *skins[1:])
+        program, panels = self.launch(*skins)
         frames = sorted(desktop.geometry(panel) for panel in panels)
         for left, right in zip(frames, frames[1:]):
             self.assertLessEqual(left[0] + left[2], right[0])
@@ -207,7 +207,7 @@ class PanelTest(WidgetTest):
         program, _ = self.launch(missing, desktop.write("Still.ini", STILL), count=1)
         self.assert_ends(program, signal.SIGTERM)
         nowhere = dict(desktop.environment, DISPLAY=":9999")
-        result = subprocess.run([GUI, missing], env=nowhere, capture_output=True, text=True, timeout=PATIENCE_SECONDS)
+        result = subprocess.run([GUI, desktop.write("Still.ini", STILL)], env=nowhere, capture_output=True, text=True, timeout=PATIENCE_SECONDS)
         self.assertEqual(result.returncode, 1)
         self.assertTrue(result.stderr.startswith("ostrel: "), result.stderr)
 

@@ -2,6 +2,7 @@
 import os
 import shutil
 import sys
+import tempfile
 import unittest
 
 from desktop import PATIENCE_SECONDS, TOOLS, Desktop, wait_for
@@ -17,7 +18,9 @@ class WidgetTest(unittest.TestCase):
         return self.desktop
 
     def launch(self, *skins, count=None, **environment):
-        """The program and its panels, once all are on the screen."""
+        """The program and its panels, once all are on the screen. It remembers nothing, unless a folder is named."""
+        if "XDG_CONFIG_HOME" not in self.desktop.environment:
+            environment.setdefault("XDG_CONFIG_HOME", tempfile.mkdtemp(dir=self.desktop.folder))
         program = self.desktop.start([GUI, *skins], **environment)
         panels = wait_for("the panels", lambda: self.shown(program, count or len(skins)))
         return program, panels

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "OstrelPlatform/TrayItem.h"
+
+#include <QPoint>
+
+#include <memory>
+
+namespace Ostrel {
+
+class ContextMenu;
+
+/// The tray item of the application and its menu.
+class OstrelMenuBarMenuView {
+public:
+    OstrelMenuBarMenuView(std::function<void()> open, std::function<void()> quit);
+    ~OstrelMenuBarMenuView();
+
+    /// For whichever tray the desktop has.
+    const TrayContent& content() const { return content_; }
+    /// Shows the menu at this point of the screen, for a tray that does not.
+    void popUp(const QPoint& at);
+
+private:
+    TrayContent content_;
+    std::unique_ptr<ContextMenu> menu_;
+};
+
+} // namespace Ostrel
