@@ -6,8 +6,6 @@
 #include "OstrelEngine/WidgetManager.h"
 #include "OstrelGUI/PackRemoval.h"
 #include "OstrelGUI/SessionPaths.h"
-#include "OstrelPlatform/MainQueue.h"
-#include "OstrelPlatform/Platform.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -18,8 +16,6 @@ namespace Ostrel {
 
 namespace {
 
-/// Long enough for a skin to have drawn what a change brought.
-constexpr double CaptureDelaySeconds = 0.45;
 constexpr double LargestPreviewDimension = 420;
 /// A skin may fill its variables without end; what is beyond this is not remembered.
 constexpr std::size_t MaxRuntimeSize = 1U << 20;
@@ -48,9 +44,9 @@ bool isWithinBounds(const WidgetRuntimeState& runtime) {
 OstrelSessionController::OstrelSessionController(
     WidgetManager& widgetManager, UserDefaults& defaults, const Platform& platform)
     : widgetManager_(widgetManager)
-    , platform_(platform)
     , store_(defaults)
-    , state_(store_.load()) {
+    , state_(store_.load())
+    , previews_(platform) {
     widgetManager_.onWidgetLaunched = [this](const auto& controller) { handleLaunch(controller); };
     widgetManager_.onWidgetStopped = [this](const std::string& path) { handleStop(path); };
     libraryItems_.update(state_);
@@ -213,14 +209,12 @@ void OstrelSessionController::updateOrigin(const std::string& path, Point origin
 
 void OstrelSessionController::captureSnapshotLater(
     const std::string& path, const std::shared_ptr<WidgetController>& controller) {
-    platform_.mainQueue.postAfter(
-        CaptureDelaySeconds, [this, path, life = std::weak_ptr(life_), weak = std::weak_ptr(controller)] {
-            const auto captured = weak.lock();
-            if (life.expired() || !captured)
-                return;
-            if (auto picture = captured->snapshotPreviewData(LargestPreviewDimension))
-                updateSnapshot(path, std::move(*picture));
-        });
+    previews_.request(path, [this, path, weak = std::weak_ptr(controller)] {
+        const auto captured = weak.lock();
+        auto picture = captured ? captured->snapshotPreviewData(LargestPreviewDimension) : std::nullopt;
+        if (picture)
+            updateSnapshot(path, std::move(*picture));
+    });
 }
 
 void OstrelSessionController::updateSnapshot(const std::string& path, std::string snapshotData) {

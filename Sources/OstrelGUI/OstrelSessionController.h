@@ -2,6 +2,7 @@
 
 #include "OstrelGUI/OstrelSessionState.h"
 #include "OstrelGUI/OstrelSessionStore.h"
+#include "OstrelGUI/PreviewSchedule.h"
 #include "OstrelGUI/SessionLibraryItems.h"
 #include "OstrelGUI/WidgetLibraryItem.h"
 
@@ -66,10 +67,10 @@ private:
     void captureSnapshotLater(const std::string& path, const std::shared_ptr<WidgetController>& controller);
 
     WidgetManager& widgetManager_;
-    const Platform& platform_;
     OstrelSessionStore store_;
     OstrelSessionState state_;
     SessionLibraryItems libraryItems_;
+    PreviewSchedule previews_;
     bool didRestore_ = false;
     bool isTerminating_ = false;
     /// Expires with the session.

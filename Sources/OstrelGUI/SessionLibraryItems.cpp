@@ -17,7 +17,10 @@ class SessionLibraryItems::Collation {
 public:
     Collation() {
         UErrorCode status = U_ZERO_ERROR;
-        collator_.reset(icu::Collator::createInstance(status));
+        // Where no language is set, texts would be in the order of their bytes.
+        const bool isPOSIX = std::string_view(icu::Locale::getDefault().getVariant()) == "POSIX";
+        collator_.reset(
+            icu::Collator::createInstance(isPOSIX ? icu::Locale::getRoot() : icu::Locale::getDefault(), status));
         if (U_FAILURE(status))
             collator_.reset();
         else
