@@ -33,6 +33,8 @@ public:
 
     /// Sorted by package, then name, without regard to case, as the user's language has it.
     const std::vector<WidgetLibraryItem>& libraryItems() const { return libraryItems_.items(); }
+    /// The same as asking the items, which have to be sorted for it.
+    bool isLibraryEmpty() const { return state_.widgets.empty(); }
     /// After every change of the items. One observer; the session does not know windows.
     std::function<void()> onLibraryItemsChange;
 
@@ -69,7 +71,8 @@ private:
     WidgetManager& widgetManager_;
     OstrelSessionStore store_;
     OstrelSessionState state_;
-    SessionLibraryItems libraryItems_;
+    /// Sorted when it is asked.
+    mutable SessionLibraryItems libraryItems_;
     PreviewSchedule previews_;
     bool didRestore_ = false;
     bool isTerminating_ = false;

@@ -2,6 +2,7 @@
 
 #include "OstrelEngine/Widget/WidgetRuntimeStateJSON.h"
 #include "OstrelGUI/Base64.h"
+#include "OstrelGUI/DetachedPictures.h"
 #include "OstrelGUI/SessionCoding.h"
 
 #include <nlohmann/json.hpp>
@@ -53,19 +54,20 @@ bool readRuntime(const json& widget, OstrelWidgetState& state) {
     return true;
 }
 
-bool readPicture(const json& widget, OstrelWidgetState& state) {
+bool readPicture(const json& widget, const DetachedPictures& pictures, OstrelWidgetState& state) {
     const auto* picture = member(widget, "snapshotData");
     if (!picture)
         return true;
     if (!picture->is_string())
         return false;
-    if (auto bytes = decodedBase64(picture->get_ref<const std::string&>()))
+    if (auto bytes = decodedBase64(pictures.resolve(picture->get_ref<const std::string&>())))
         state.snapshotData = std::make_shared<const std::string>(std::move(*bytes));
     return true;
 }
 
 std::optional<OstrelSessionState> decode(std::string_view text) {
-    const auto object = parseBounded(text);
+    const auto pictures = detachPictures(text);
+    const auto object = parseBounded(pictures.json);
     const auto* widgets = object && object->is_object() ? member(*object, "widgets") : nullptr;
     if (!widgets || !widgets->is_array())
         return std::nullopt;
@@ -74,7 +76,7 @@ std::optional<OstrelSessionState> decode(std::string_view text) {
     for (const auto& widget : *widgets) {
         const auto path = pathOf(widget);
         OstrelWidgetState decoded{.path = path.value_or("")};
-        if (!path || !readWidget(widget, decoded))
+        if (!path || !readWidget(widget, pictures, decoded))
             return std::nullopt;
         if (paths.insert(*path).second)
             state.widgets.push_back(std::move(decoded));
@@ -101,13 +103,13 @@ std::optional<std::string> pathOf(const json& widget) {
     return path && path->is_string() ? std::optional(path->get<std::string>()) : std::nullopt;
 }
 
-bool readWidget(const json& widget, OstrelWidgetState& state) {
+bool readWidget(const json& widget, const DetachedPictures& pictures, OstrelWidgetState& state) {
     if (const auto* isRendered = member(widget, "isRendered")) {
         if (!isRendered->is_boolean())
             return false;
         state.isRendered = isRendered->get<bool>();
     }
-    return readPlace(widget, state) && readRuntime(widget, state) && readPicture(widget, state);
+    return readPlace(widget, state) && readRuntime(widget, state) && readPicture(widget, pictures, state);
 }
 
 bool readTexts(const json& object, std::map<std::string, std::string>& texts) {

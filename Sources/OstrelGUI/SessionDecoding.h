@@ -12,6 +12,8 @@
 // Reading the JSON of a session, which may be anybody's.
 namespace Ostrel {
 
+struct DetachedPictures;
+
 /// Absent for what is no JSON, and for more values or deeper ones than a session has.
 std::optional<nlohmann::json> parseBounded(std::string_view text);
 
@@ -19,7 +21,7 @@ std::optional<nlohmann::json> parseBounded(std::string_view text);
 std::optional<std::string> pathOf(const nlohmann::json& widget);
 /// Sets what the object tells of a widget and leaves the rest; null tells nothing. False when a member is of another
 /// kind. A picture that is no base64 is none.
-bool readWidget(const nlohmann::json& widget, OstrelWidgetState& state);
+bool readWidget(const nlohmann::json& widget, const DetachedPictures& pictures, OstrelWidgetState& state);
 /// Adds the members of an object; false when one is of another kind.
 bool readTexts(const nlohmann::json& object, std::map<std::string, std::string>& texts);
 bool readTruths(const nlohmann::json& object, std::map<std::string, bool>& truths);

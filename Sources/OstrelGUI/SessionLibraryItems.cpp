@@ -7,10 +7,19 @@
 #include <unicode/unistr.h>
 
 #include <algorithm>
-#include <numeric>
 #include <tuple>
+#include <utility>
 
 namespace Ostrel {
+
+namespace {
+
+std::string withoutExtension(const std::string& name) {
+    const auto extension = pathExtension(name);
+    return extension.empty() ? name : name.substr(0, name.size() - extension.size() - 1);
+}
+
+} // namespace
 
 /// Texts as bytes whose order is that of a dictionary.
 class SessionLibraryItems::Collation {
@@ -41,7 +50,16 @@ private:
 };
 
 struct SessionLibraryItems::Card {
+    explicit Card(const std::string& path) {
+        auto [package, relativePath] = packageInfoForPath(path);
+        item = {.path = path,
+            .displayName = withoutExtension(lastPathComponent(path)),
+            .packageName = std::move(package),
+            .relativePath = std::move(relativePath)};
+    }
+
     WidgetLibraryItem item;
+    /// Empty until it is sorted for the first time.
     std::string packageKey;
     std::string nameKey;
 
@@ -49,52 +67,36 @@ struct SessionLibraryItems::Card {
     auto order() const { return std::tie(packageKey, item.packageName, nameKey, item.displayName, item.path); }
 };
 
-namespace {
-
-std::string withoutExtension(const std::string& name) {
-    const auto extension = pathExtension(name);
-    return extension.empty() ? name : name.substr(0, name.size() - extension.size() - 1);
-}
-
-} // namespace
-
 SessionLibraryItems::SessionLibraryItems() = default;
 SessionLibraryItems::~SessionLibraryItems() = default;
 
 bool SessionLibraryItems::update(const OstrelSessionState& state) {
-    const auto isKnown
-        = [this](const OstrelWidgetState& widget, std::size_t place) { return widget.path == items_[place].path; };
-    if (std::ranges::equal(state.widgets, places_, isKnown))
-        return updateInPlace(state);
+    const bool areSame = std::ranges::equal(state.widgets, cards_,
+        [](const OstrelWidgetState& widget, const auto& card) { return widget.path == card->item.path; });
+    if (!areSame)
+        takeCards(state);
+    const bool isChanged = updateInPlace(state) || !areSame;
+    isStale_ = isStale_ || isChanged;
+    return isChanged;
+}
 
-    std::vector<std::shared_ptr<Card>> cards;
+void SessionLibraryItems::takeCards(const OstrelSessionState& state) {
     std::unordered_map<std::string, std::shared_ptr<Card>> kept;
+    cards_.clear();
     for (const auto& widget : state.widgets) {
-        const auto known = cards_.find(widget.path);
-        auto card = known != cards_.end() ? known->second : makeCard(widget.path);
-        kept.emplace(widget.path, card);
-        cards.push_back(std::move(card));
+        const auto known = cardsByPath_.find(widget.path);
+        cards_.push_back(known == cardsByPath_.end() ? std::make_shared<Card>(widget.path) : known->second);
+        kept.emplace(widget.path, cards_.back());
     }
-    cards_ = std::move(kept);
-
-    std::vector<std::size_t> order(cards.size());
-    std::iota(order.begin(), order.end(), 0);
-    std::ranges::sort(order, [&](auto a, auto b) { return cards[a]->order() < cards[b]->order(); });
-    items_.clear();
-    places_.resize(cards.size());
-    for (const auto position : order) {
-        places_[position] = items_.size();
-        items_.push_back(cards[position]->item);
-    }
-    updateInPlace(state);
-    return true;
+    cardsByPath_ = std::move(kept);
+    isSorted_ = false;
 }
 
 bool SessionLibraryItems::updateInPlace(const OstrelSessionState& state) {
     bool isChanged = false;
-    for (std::size_t i = 0; i < state.widgets.size(); ++i) {
+    for (std::size_t i = 0; i < cards_.size(); ++i) {
         const auto& widget = state.widgets[i];
-        auto& item = items_[places_[i]];
+        auto& item = cards_[i]->item;
         if (item.isRendered == widget.isRendered && item.snapshotData == widget.snapshotData)
             continue;
         item.isRendered = widget.isRendered;
@@ -104,19 +106,35 @@ bool SessionLibraryItems::updateInPlace(const OstrelSessionState& state) {
     return isChanged;
 }
 
-std::shared_ptr<SessionLibraryItems::Card> SessionLibraryItems::makeCard(const std::string& path) {
-    // Loading its rules takes a while.
-    if (!collation_)
-        collation_ = std::make_unique<Collation>();
-    auto [package, relativePath] = packageInfoForPath(path);
-    auto card = std::make_shared<Card>();
-    card->item = {.path = path,
-        .displayName = withoutExtension(lastPathComponent(path)),
-        .packageName = std::move(package),
-        .relativePath = std::move(relativePath)};
-    card->packageKey = collation_->keyOf(card->item.packageName);
-    card->nameKey = collation_->keyOf(card->item.displayName);
-    return card;
+const std::vector<WidgetLibraryItem>& SessionLibraryItems::items() {
+    if (!std::exchange(isStale_, false))
+        return items_;
+    if (std::exchange(isSorted_, true)) {
+        for (std::size_t i = 0; i < order_.size(); ++i) {
+            items_[i].isRendered = order_[i]->item.isRendered;
+            items_[i].snapshotData = order_[i]->item.snapshotData;
+        }
+        return items_;
+    }
+    sort();
+    items_.clear();
+    for (const auto* card : order_)
+        items_.push_back(card->item);
+    return items_;
+}
+
+void SessionLibraryItems::sort() {
+    order_.clear();
+    for (const auto& card : cards_) {
+        order_.push_back(card.get());
+        if (!card->packageKey.empty())
+            continue;
+        if (!collation_)
+            collation_ = std::make_unique<Collation>();
+        card->packageKey = collation_->keyOf(card->item.packageName);
+        card->nameKey = collation_->keyOf(card->item.displayName);
+    }
+    std::ranges::sort(order_, [](const auto* a, const auto* b) { return a->order() < b->order(); });
 }
 
 } // namespace Ostrel

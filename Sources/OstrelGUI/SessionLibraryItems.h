@@ -10,29 +10,35 @@
 
 namespace Ostrel {
 
-/// The widgets of a session as the cards of the library, kept sorted: by package and within it by name, without regard
-/// to case, as the user's language has it. A change that no card shows costs a look at each widget, and texts are
-/// collated once in the life of their widget.
+/// The widgets of a session as the cards of the library, sorted: by package and within it by name, without regard to
+/// case, as the user's language has it. Nothing is sorted until the items are asked for, and each text is collated once
+/// in the life of its widget: most starts never show the library, and a dragged widget changes no card.
 class SessionLibraryItems {
 public:
     SessionLibraryItems();
     ~SessionLibraryItems();
 
-    const std::vector<WidgetLibraryItem>& items() const { return items_; }
     /// Whether the items are others now.
     bool update(const OstrelSessionState& state);
+    /// As of the last update; good until the next one.
+    const std::vector<WidgetLibraryItem>& items();
 
 private:
     class Collation;
     struct Card;
 
     bool updateInPlace(const OstrelSessionState& state);
-    std::shared_ptr<Card> makeCard(const std::string& path);
+    void takeCards(const OstrelSessionState& state);
+    void sort();
 
+    /// In the session's order.
+    std::vector<std::shared_ptr<Card>> cards_;
+    std::unordered_map<std::string, std::shared_ptr<Card>> cardsByPath_;
     std::vector<WidgetLibraryItem> items_;
-    /// The place in `items_` of each widget of the session, in its order.
-    std::vector<std::size_t> places_;
-    std::unordered_map<std::string, std::shared_ptr<Card>> cards_;
+    /// The card of each item.
+    std::vector<const Card*> order_;
+    bool isSorted_ = false;
+    bool isStale_ = false;
     std::unique_ptr<Collation> collation_;
 };
 

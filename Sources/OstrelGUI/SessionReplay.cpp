@@ -1,5 +1,6 @@
 #include "OstrelGUI/SessionReplay.h"
 
+#include "OstrelGUI/DetachedPictures.h"
 #include "OstrelGUI/SessionDecoding.h"
 
 #include <nlohmann/json.hpp>
@@ -22,7 +23,8 @@ void SessionReplay::rebuildIndex() {
 }
 
 bool SessionReplay::apply(std::string_view change) {
-    const auto object = parseBounded(change);
+    const auto pictures = detachPictures(change);
+    const auto object = parseBounded(pictures.json);
     if (!object || !object->is_object())
         return false;
     if (const auto removed = object->find("remove"); removed != object->end() && !remove(*removed))
@@ -30,7 +32,8 @@ bool SessionReplay::apply(std::string_view change) {
     const auto widgets = object->find("widgets");
     if (widgets == object->end())
         return true;
-    return widgets->is_array() && std::ranges::all_of(*widgets, [this](const json& widget) { return merge(widget); });
+    return widgets->is_array()
+        && std::ranges::all_of(*widgets, [&](const json& widget) { return merge(widget, pictures); });
 }
 
 bool SessionReplay::remove(const json& paths) {
@@ -48,7 +51,7 @@ bool SessionReplay::remove(const json& paths) {
     return true;
 }
 
-bool SessionReplay::merge(const json& widget) {
+bool SessionReplay::merge(const json& widget, const DetachedPictures& pictures) {
     const auto path = pathOf(widget);
     if (!path)
         return false;
@@ -56,7 +59,7 @@ bool SessionReplay::merge(const json& widget) {
     if (isNew)
         state_.widgets.push_back({.path = *path});
     auto& state = state_.widgets[found->second];
-    return readWidget(widget, state) && mergeRuntime(widget, state);
+    return readWidget(widget, pictures, state) && mergeRuntime(widget, state);
 }
 
 bool SessionReplay::mergeRuntime(const json& widget, OstrelWidgetState& state) {

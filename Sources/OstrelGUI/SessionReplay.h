@@ -10,6 +10,8 @@
 
 namespace Ostrel {
 
+struct DetachedPictures;
+
 /// Applies changes of a session, as `encodeChange` writes them, one after the other.
 class SessionReplay {
 public:
@@ -20,7 +22,7 @@ public:
 
 private:
     bool remove(const nlohmann::json& paths);
-    bool merge(const nlohmann::json& widget);
+    bool merge(const nlohmann::json& widget, const DetachedPictures& pictures);
     bool mergeRuntime(const nlohmann::json& widget, OstrelWidgetState& state);
     void rebuildIndex();
 

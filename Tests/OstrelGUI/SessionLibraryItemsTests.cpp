@@ -5,7 +5,7 @@
 namespace Ostrel {
 namespace {
 
-std::string listed(const SessionLibraryItems& items) {
+std::string listed(SessionLibraryItems& items) {
     std::string text;
     for (const auto& item : items.items())
         text += item.packageName + "/" + item.displayName + (item.isRendered ? "*" : "") + " ";

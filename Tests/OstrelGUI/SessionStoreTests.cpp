@@ -157,6 +157,40 @@ TEST_F(SessionStoreTest, movesAsideWhatItCannotRead) {
     EXPECT_EQ(contents("ostrel.sessionState.v2.journal.4.bak"), "left over");
 }
 
+TEST_F(SessionStoreTest, readsPicturesHoweverTheyAreWritten) {
+    const auto pictureOf = [](const std::string& member) {
+        const auto decoded = decodeSession("{\"widgets\":[{\"path\":\"/a\"," + member + "}]}");
+        if (!decoded)
+            return std::string("undecodable");
+        const auto& data = decoded->widgets[0].snapshotData;
+        return data ? *data : std::string("none");
+    };
+    const std::pair<const char*, std::string> rows[] = {
+        {R"("snapshotData":"AP//eHk=")", std::string("\0\xff\xffxy", 5)},
+        {R"("snapshotData" : "QUJD")", "ABC"},
+        {R"("snapshotData":"AP\/\/eA==")", std::string("\0\xff\xffx", 4)}, // slashes may be escaped
+        {R"("snapshotData":"")", ""},
+        {R"("snapshotData":"QUJD","x":"\"snapshotData\":\"QQ==\"")", "ABC"},
+        {R"("x":"snapshotData","y":"QUJD")", "none"},
+        {R"("snapshotData":null,"y":"QUJD")", "none"},
+        {R"("snapshotData":"QUJ")", "none"},
+        {R"("snapshotData":"QU=D")", "none"},
+        {R"("snapshotData":"====")", "none"},
+        {R"("snapshotData":"@7")", "none"},
+        {R"("snapshotData":"\u00407")", "none"},
+        {R"("snapshotData":["QUJD"])", "undecodable"},
+        {R"("snapshotData":"QUJD)", "undecodable"},
+        {R"("snapshotData":"QUJD\")", "undecodable"},
+    };
+    for (const auto& [member, expected] : rows)
+        EXPECT_EQ(pictureOf(member), expected) << member;
+    for (std::size_t size = 0; size < 70; ++size) {
+        OstrelSessionState state;
+        state.upsert({.path = "/a", .snapshotData = picture(std::string(size, static_cast<char>(size * 37)))});
+        EXPECT_EQ(decodeSession(encodeSession(state)), state) << size;
+    }
+}
+
 /// Random changes, as a session has them.
 class Changes {
 public:
@@ -245,8 +279,8 @@ TEST_F(SessionStoreTest, foldsTheJournalWhenItGrowsAndAtTheEnd) {
             largest = std::max(largest, journalSize());
         }
         EXPECT_LT(largest, 6u << 20);
-        EXPECT_EQ(reloaded(), state);
     }
+    EXPECT_EQ(reloaded(), state);
     EXPECT_EQ(journalSize(), 0u);
     EXPECT_EQ(base(), encodeSession(state));
 }
@@ -277,11 +311,12 @@ TEST_F(SessionStoreTest, ignoresATornRecordAndWhatFollowsIt) {
         std::filesystem::copy(killed.path(), copy.path(), std::filesystem::copy_options::recursive);
         std::filesystem::resize_file(journals(copy.path())[0], length);
         QSettingsUserDefaults defaults(copy.path());
-        OstrelSessionStore store(defaults);
-        const auto loaded = store.load();
-        EXPECT_EQ(loaded, length < lineEnd ? first : length < whole.size() ? second : third) << length;
-        // And goes on behind it.
-        store.save(first);
+        {
+            OstrelSessionStore store(defaults);
+            EXPECT_EQ(store.load(), length < lineEnd ? first : length < whole.size() ? second : third) << length;
+            // And goes on behind it.
+            store.save(first);
+        }
         EXPECT_EQ(OstrelSessionStore(defaults).load(), first) << length;
     }
     auto flipped = whole;
