@@ -32,7 +32,8 @@ HeadlessSkin::HeadlessSkin(SkinConfig config, std::optional<double> wallSeconds)
             .remoteReader = remoteReader_,
             .audioSpectrum = &audio_.spectrum(),
             .workspace = &workspace_,
-            .mediaPlayers = &player_.bridges()});
+            .mediaPlayers = &player_.bridges(),
+            .pictures = &pictures_});
     runtime_->onUpdate = [this](const auto& drawables) { publish(drawables); };
     runtime_->onInputTextPrompt = [this](const auto& presentation) { prompt(presentation); };
     connectCanvas(input_, runtime_, hostStatistics_);

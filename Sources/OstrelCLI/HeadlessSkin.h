@@ -4,6 +4,7 @@
 #include "OstrelCLI/HeadlessAudio.h"
 #include "OstrelCLI/HeadlessPlayer.h"
 #include "OstrelCLI/RecordingWorkspace.h"
+#include "OstrelEngine/Meters/DecodedPictureColors.h"
 #include "OstrelEngine/Widget/CanvasInput.h"
 #include "OstrelEngine/Widget/SkinRuntime.h"
 #include "OstrelPlatform/Linux/FontconfigRegistrar.h"
@@ -75,6 +76,7 @@ private:
     HeadlessAudio audio_;
     HeadlessPlayer player_;
     RecordingWorkspace workspace_;
+    DecodedPictureColors pictures_;
     std::vector<Drawable> drawables_;
     CanvasInput input_{drawables_};
     std::shared_ptr<SkinRuntime> runtime_;

@@ -1,5 +1,6 @@
 #include "OstrelCore/SkinInput.h"
 #include "OstrelEngine/Measures/AudioLevelSpectrumSource.h"
+#include "OstrelEngine/Meters/DecodedPictureColors.h"
 #include "OstrelGUI/AppLaunchBootstrap.h"
 #include "OstrelGUI/BundlelessSystem.h"
 #include "OstrelGUI/OpenArguments.h"
@@ -66,6 +67,8 @@ int runFirst(int count, char** values, SingleInstance* instance, const OpenArgum
     AudioLevelSpectrumSource sound(
         {[] { return LinuxSound::open(); }, ports.clock, ports.mainQueue, logToStandardError});
     ports.audioSpectrum = &sound;
+    DecodedPictureColors pictures;
+    ports.pictures = &pictures;
     QSettingsUserDefaults defaults;
     // Not a quit, which panels could refuse as they refuse to be closed.
     const auto end = [] { QGuiApplication::exit(Done); };

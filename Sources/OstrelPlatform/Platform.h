@@ -11,6 +11,7 @@ class FontRegistrar;
 class HostStatistics;
 class MainQueue;
 class MediaPlayerBridges;
+class PictureColors;
 class RemoteReader;
 class Workspace;
 
@@ -30,6 +31,8 @@ struct Platform {
     DesktopAppearance* appearance = nullptr;
     /// Null where no music player is asked.
     MediaPlayerBridges* mediaPlayers = nullptr;
+    /// Null where no picture can be decoded.
+    PictureColors* pictures = nullptr;
 };
 
 } // namespace Ostrel

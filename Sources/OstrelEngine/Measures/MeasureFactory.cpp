@@ -4,6 +4,7 @@
 #include "OstrelEngine/Measures/AudioLevelMeasure.h"
 #include "OstrelEngine/Measures/CPUMeasure.h"
 #include "OstrelEngine/Measures/CalcMeasure.h"
+#include "OstrelEngine/Measures/ChameleonPluginMeasure.h"
 #include "OstrelEngine/Measures/DiskMeasure.h"
 #include "OstrelEngine/Measures/InputTextMeasure.h"
 #include "OstrelEngine/Measures/MemoryMeasure.h"
@@ -13,6 +14,7 @@
 #include "OstrelEngine/Measures/RunCommandMeasure.h"
 #include "OstrelEngine/Measures/ScriptMeasure.h"
 #include "OstrelEngine/Measures/StringMeasure.h"
+#include "OstrelEngine/Measures/SysColorPluginMeasure.h"
 #include "OstrelEngine/Measures/TimeMeasure.h"
 #include "OstrelEngine/Measures/Win7AudioPluginMeasure.h"
 #include "OstrelPlatform/Platform.h"
@@ -88,9 +90,11 @@ constexpr Row Plugins[] = {
     {"WEBNOWPLAYING", makeWebNowPlaying},
     {"GPMDPPLUGIN", makeDesktopPlayer},
     {"AUDIOLEVEL", makeOfPlatform<AudioLevelMeasure>},
+    {"CHAMELEON", makeOfPlatform<ChameleonPluginMeasure>},
     {"INPUTTEXT", make<InputTextMeasure>},
     {"MOUSE", make<MousePluginMeasure>},
     {"RUNCOMMAND", makeOfPlatform<RunCommandMeasure>},
+    {"SYSCOLOR", makeOfPlatform<SysColorPluginMeasure>},
     {"WIN7AUDIOPLUGIN", make<Win7AudioPluginMeasure>},
 };
 

@@ -33,16 +33,20 @@ bool isHarmless(QIODevice& source, const QByteArray& format) {
     return text.size() <= MostShapeBytes && text.count("<use") <= MostShapeReuses;
 }
 
-QImage decoded(QIODevice& source) {
+QImage read(QImageReader& reader) {
     QImageReader::setAllocationLimit(MostMegabytes);
-    QImageReader reader(&source);
-    reader.setDecideFormatFromContent(true);
-    if (!isHarmless(source, reader.format()))
+    if (!isHarmless(*reader.device(), reader.format()))
         return {};
     const QSize size = reader.size();
     if (size.isValid() && qint64{size.width()} * size.height() > MostPixels)
         return {};
-    const QImage image = reader.read();
+    return reader.read();
+}
+
+QImage decoded(QIODevice& source) {
+    QImageReader reader(&source);
+    reader.setDecideFormatFromContent(true);
+    const QImage image = read(reader);
     if (image.isNull() || image.format() == QImage::Format_ARGB32_Premultiplied)
         return image;
     return image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
@@ -53,14 +57,33 @@ QImage decodedBytes(QByteArray bytes) {
     return buffer.open(QIODevice::ReadOnly) ? decoded(buffer) : QImage();
 }
 
-QImage loadFile(const std::string& path) {
+/// A picture in gray with an alpha comes out of the decoder in full color.
+bool isColorless(QIODevice& source, const QByteArray& format) {
+    if (format != "png")
+        return format.startsWith("svg");
+    // The kind of color stands in the first chunk of the file; one of its bits says that there is any.
+    constexpr qsizetype ColorKindOffset = 25;
+    constexpr char ColorBit = 2;
+    constexpr char PaletteBit = 1;
+    const QByteArray header = source.peek(ColorKindOffset + 1);
+    return header.size() <= ColorKindOffset || !(header[ColorKindOffset] & ColorBit)
+        || (header[ColorKindOffset] & PaletteBit);
+}
+
+QImage storedColors(QIODevice& source) {
+    QImageReader reader(&source);
+    reader.setDecideFormatFromContent(true);
+    return isColorless(source, reader.format()) ? QImage() : read(reader);
+}
+
+QImage loadFile(const std::string& path, QImage (*decode)(QIODevice& source)) {
     const auto found = existingPath(path);
     // A pipe or a device would be read without end.
     std::error_code failed;
     if (!std::filesystem::is_regular_file(found, failed))
         return {};
     QFile file(QFile::decodeName(QByteArray::fromStdString(found)));
-    return file.open(QIODevice::ReadOnly) ? decoded(file) : QImage();
+    return file.open(QIODevice::ReadOnly) ? decode(file) : QImage();
 }
 
 /// "data:[type][;base64],bytes"
@@ -87,11 +110,15 @@ QImage load(const std::string& pathOrURL, RemoteReader& remoteReader) {
     if (scheme == "data")
         return loadDataURL(pathOrURL);
     if (scheme == "file")
-        return loadFile(QUrl(QString::fromStdString(pathOrURL)).toLocalFile().toStdString());
+        return loadFile(QUrl(QString::fromStdString(pathOrURL)).toLocalFile().toStdString(), decoded);
     if (scheme != "http" && scheme != "https")
-        return loadFile(pathOrURL);
+        return loadFile(pathOrURL, decoded);
     const auto bytes = remoteReader.read(pathOrURL);
     return bytes ? decodedBytes(QByteArray::fromStdString(*bytes)) : QImage();
+}
+
+QImage loadStoredColors(const std::string& path) {
+    return loadFile(path, storedColors);
 }
 
 } // namespace Ostrel::ImageLoader

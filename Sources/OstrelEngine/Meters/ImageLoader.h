@@ -18,4 +18,8 @@ bool isImageURL(std::string_view text);
 /// more than 64 million pixels. Blocks on the network for as long as the reader does.
 QImage load(const std::string& pathOrURL, RemoteReader& remoteReader);
 
+/// The first picture of a file as it stores its colors: not premultiplied, in as many bits as it has. Null also for a
+/// gray or indexed file, whatever it is decoded into, and for shapes, which have no pixels.
+QImage loadStoredColors(const std::string& path);
+
 } // namespace Ostrel::ImageLoader

@@ -1,0 +1,57 @@
+#include "OstrelEngine/Measures/ChameleonPluginMeasure.h"
+
+#include "OstrelCore/Paths.h"
+#include "OstrelCore/Text.h"
+#include "OstrelEngine/Measures/ColorText.h"
+#include "OstrelPlatform/PictureColors.h"
+#include "OstrelPlatform/Platform.h"
+
+namespace Ostrel {
+
+ChameleonPluginMeasure::ChameleonPluginMeasure(
+    const MeasureDefinition& definition, std::string skinPath, const Platform& platform)
+    : BaseMeasure(definition, std::move(skinPath))
+    , pictures_(platform.pictures) {
+    publish(0, "255,255,255,255", true, 0, 0);
+}
+
+void ChameleonPluginMeasure::resolveMeasureReferences(std::weak_ptr<const MeasuresOwner> owner) {
+    owner_ = std::move(owner);
+    const auto measures = owner_.lock();
+    auto* parent = measures ? measures->measure(option("Parent"_key).value_or("")) : nullptr;
+    parentMeasure_ = dynamic_cast<const ChameleonPluginMeasure*>(parent);
+}
+
+void ChameleonPluginMeasure::update() {
+    if (parentMeasure_ && !owner_.expired()) {
+        const auto& value = parentMeasure_->value();
+        return publish(value.numericValue, value.stringValue, value.preferStringValue, value.minValue, value.maxValue);
+    }
+    auto source = colorSource();
+    if (source.empty() || !pictures_)
+        return;
+    if (source != source_) {
+        path_ = resolvePath(source);
+        source_ = std::move(source);
+    }
+    if (const auto color = pictures_->average(path_))
+        publish(0, colorText(*color), true, 0, 0);
+}
+
+std::string ChameleonPluginMeasure::colorSource() const {
+    const auto text = trimmed(option("Path"_key).value_or(""));
+    const auto owner = owner_.lock();
+    if (owner && text.size() > 1 && text.starts_with('[') && text.ends_with(']')) {
+        if (const auto* measure = owner->measure(trimmed(text.substr(1, text.size() - 2))))
+            return measure->value().stringValue;
+    }
+    return std::string(text);
+}
+
+std::string ChameleonPluginMeasure::resolvePath(std::string_view source) const {
+    const auto skinDirectory = deletingLastPathComponent(skinPath());
+    auto path = normalizeSeparators(replacingFolderVariables(source, skinDirectory));
+    return isAbsolutePath(path) ? path : appendingPathComponent(skinDirectory, path);
+}
+
+} // namespace Ostrel

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "OstrelEngine/Measures/MeasureProtocol.h"
+
+namespace Ostrel {
+
+class PictureColors;
+
+/// The mean color of a picture, which may be the cover that another measure names. A measure with a `Parent` shows what
+/// that one shows. White until there is a picture; the last color stands while there is none.
+class ChameleonPluginMeasure final : public BaseMeasure {
+public:
+    ChameleonPluginMeasure(const MeasureDefinition& definition, std::string skinPath, const Platform& platform);
+
+    void update() override;
+    void resolveMeasureReferences(std::weak_ptr<const MeasuresOwner> owner) override;
+
+private:
+    /// As the skin names the picture, a measure's text taken for its name; empty when there is none.
+    std::string colorSource() const;
+    std::string resolvePath(std::string_view source) const;
+
+    /// Null where no picture can be decoded.
+    PictureColors* pictures_;
+    std::weak_ptr<const MeasuresOwner> owner_;
+    /// Lives as long as the owner.
+    const ChameleonPluginMeasure* parentMeasure_ = nullptr;
+    /// What `path_` was resolved from: that asks the disk.
+    std::string source_;
+    std::string path_;
+};
+
+} // namespace Ostrel
