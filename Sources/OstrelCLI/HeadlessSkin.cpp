@@ -33,7 +33,8 @@ HeadlessSkin::HeadlessSkin(SkinConfig config, std::optional<double> wallSeconds)
             .audioSpectrum = &audio_.spectrum(),
             .workspace = &workspace_,
             .mediaPlayers = &player_.bridges(),
-            .pictures = &pictures_});
+            .pictures = &pictures_,
+            .recycleManager = &sparedTrash_});
     runtime_->onUpdate = [this](const auto& drawables) { publish(drawables); };
     runtime_->onInputTextPrompt = [this](const auto& presentation) { prompt(presentation); };
     connectCanvas(input_, runtime_, hostStatistics_);

@@ -4,9 +4,11 @@
 #include "OstrelCLI/HeadlessAudio.h"
 #include "OstrelCLI/HeadlessPlayer.h"
 #include "OstrelCLI/RecordingWorkspace.h"
+#include "OstrelCLI/SparedTrash.h"
 #include "OstrelEngine/Meters/DecodedPictureColors.h"
 #include "OstrelEngine/Widget/CanvasInput.h"
 #include "OstrelEngine/Widget/SkinRuntime.h"
+#include "OstrelPlatform/Linux/FileSystemRecycleManagerBackend.h"
 #include "OstrelPlatform/Linux/FontconfigRegistrar.h"
 #include "OstrelPlatform/Linux/LazyRemoteReader.h"
 #include "OstrelPlatform/Linux/LinuxHostStatistics.h"
@@ -77,6 +79,8 @@ private:
     HeadlessPlayer player_;
     RecordingWorkspace workspace_;
     DecodedPictureColors pictures_;
+    FileSystemRecycleManagerBackend trash_{workspace_};
+    SparedTrash sparedTrash_{trash_};
     std::vector<Drawable> drawables_;
     CanvasInput input_{drawables_};
     std::shared_ptr<SkinRuntime> runtime_;

@@ -12,6 +12,7 @@ class HostStatistics;
 class MainQueue;
 class MediaPlayerBridges;
 class PictureColors;
+class RecycleManagerBackend;
 class RemoteReader;
 class Workspace;
 
@@ -33,6 +34,8 @@ struct Platform {
     MediaPlayerBridges* mediaPlayers = nullptr;
     /// Null where no picture can be decoded.
     PictureColors* pictures = nullptr;
+    /// Null where there is no trash.
+    RecycleManagerBackend* recycleManager = nullptr;
 };
 
 } // namespace Ostrel

@@ -11,6 +11,7 @@
 #include "OstrelEngine/Measures/MousePluginMeasure.h"
 #include "OstrelEngine/Measures/NetMeasure.h"
 #include "OstrelEngine/Measures/NowPlayingMeasure.h"
+#include "OstrelEngine/Measures/RecycleManagerMeasure.h"
 #include "OstrelEngine/Measures/RunCommandMeasure.h"
 #include "OstrelEngine/Measures/ScriptMeasure.h"
 #include "OstrelEngine/Measures/StringMeasure.h"
@@ -81,6 +82,7 @@ constexpr Row Types[] = {
     {"NETOUT", makeOfHost<NetMeasure>},
     {"NETTOTAL", makeOfHost<NetMeasure>},
     {"CALC", make<CalcMeasure>},
+    {"RECYCLEMANAGER", makeOfPlatform<RecycleManagerMeasure>},
     {"SCRIPT", make<ScriptMeasure>},
     {"STRING", make<StringMeasure>},
 };
@@ -93,6 +95,7 @@ constexpr Row Plugins[] = {
     {"CHAMELEON", makeOfPlatform<ChameleonPluginMeasure>},
     {"INPUTTEXT", make<InputTextMeasure>},
     {"MOUSE", make<MousePluginMeasure>},
+    {"RECYCLEMANAGER", makeOfPlatform<RecycleManagerMeasure>},
     {"RUNCOMMAND", makeOfPlatform<RunCommandMeasure>},
     {"SYSCOLOR", makeOfPlatform<SysColorPluginMeasure>},
     {"WIN7AUDIOPLUGIN", make<Win7AudioPluginMeasure>},

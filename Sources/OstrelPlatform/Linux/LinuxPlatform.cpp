@@ -23,7 +23,8 @@ LinuxPlatform::LinuxPlatform()
           .hostStatistics = hostStatistics_,
           .fonts = fonts_,
           .remoteReader = remoteReader_,
-          .workspace = &workspace_} { }
+          .workspace = &workspace_,
+          .recycleManager = &recycleManager_} { }
 
 LinuxPlatform::~LinuxPlatform() = default;
 

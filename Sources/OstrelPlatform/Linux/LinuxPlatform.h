@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OstrelPlatform/Linux/FileSystemRecycleManagerBackend.h"
 #include "OstrelPlatform/Linux/FontconfigRegistrar.h"
 #include "OstrelPlatform/Linux/LazyRemoteReader.h"
 #include "OstrelPlatform/Linux/LinuxClock.h"
@@ -33,6 +34,7 @@ private:
     LazyRemoteReader remoteReader_;
     LinuxWorkspace workspace_;
     QSettingsUserDefaults defaults_;
+    FileSystemRecycleManagerBackend recycleManager_{workspace_};
     std::unique_ptr<DesktopPanels> desktopPanels_;
     Platform ports_;
 };
