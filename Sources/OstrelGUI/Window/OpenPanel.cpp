@@ -1,0 +1,110 @@
+#include "OstrelGUI/Window/OpenPanel.h"
+
+#include "OstrelGUI/Window/Controls.h"
+#include "OstrelGUI/Window/WindowStyle.h"
+
+#include <QDialogButtonBox>
+#include <QEvent>
+#include <QFileSystemModel>
+#include <QGridLayout>
+#include <QLineEdit>
+#include <QListView>
+#include <QPushButton>
+#include <QToolButton>
+
+namespace Ostrel {
+
+OpenPanel::OpenPanel(QWidget* parent) : QFileDialog(parent) {
+    setOption(DontUseNativeDialog);
+    // No folders are made here.
+    setOption(ReadOnly);
+    setWindowTitle(QStringLiteral("Open"));
+    setFileMode(ExistingFiles);
+    setAcceptMode(AcceptOpen);
+    setNameFilter(QStringLiteral("Skins (*.ini *.rmskin)"));
+    setLabelText(Accept, QStringLiteral("Scan"));
+    setWindowModality(Qt::WindowModal);
+    resize(760, 500);
+    hideWhatDoesNotBelong();
+    addMessage(QStringLiteral(
+        "Select a Rainmeter .ini skin file, .rmskin package, or a folder containing skins."));
+}
+
+/// Above everything else of the dialog's own grid.
+void OpenPanel::addMessage(const QString& text) {
+    auto* grid = qobject_cast<QGridLayout*>(layout());
+    if (!grid)
+        return;
+    struct Cell {
+        QLayoutItem* item = nullptr;
+        int row = 0, column = 0, rows = 0, columns = 0;
+    };
+    std::vector<Cell> cells;
+    while (grid->count() > 0) {
+        Cell cell;
+        grid->getItemPosition(0, &cell.row, &cell.column, &cell.rows, &cell.columns);
+        cell.item = grid->takeAt(0);
+        cells.push_back(cell);
+    }
+    QLabel* message = makeLabel(text);
+    message->setFont(Type::strong(font()));
+    message->setMinimumHeight(Metrics::ControlHeight);
+    grid->addWidget(message, 0, 0, 1, -1);
+    for (const Cell& cell : cells)
+        grid->addItem(cell.item, cell.row + 1, cell.column, cell.rows, cell.columns, cell.item->alignment());
+    setAccessibleDescription(text);
+}
+
+void OpenPanel::hideWhatDoesNotBelong() {
+    for (const char* name : {"fileTypeLabel", "fileTypeCombo", "newFolderButton"}) {
+        if (auto* part = findChild<QWidget*>(QLatin1String(name)))
+            part->hide();
+    }
+    if (auto* buttons = findChild<QDialogButtonBox*>()) {
+        acceptButton_ = buttons->button(QDialogButtonBox::Open);
+        if (acceptButton_)
+            acceptButton_->installEventFilter(this);
+    }
+    if (auto* list = findChild<QListView*>(QStringLiteral("listView"))) {
+        connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { updateAcceptButton(); });
+    }
+}
+
+/// The dialog disables its button while only folders are marked.
+void OpenPanel::updateAcceptButton() {
+    if (acceptButton_ && !markedPaths().empty())
+        acceptButton_->setEnabled(true);
+}
+
+bool OpenPanel::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == acceptButton_ && event->type() == QEvent::EnabledChange && !acceptButton_->isEnabled())
+        updateAcceptButton();
+    return QFileDialog::eventFilter(watched, event);
+}
+
+std::vector<std::string> OpenPanel::markedPaths() const {
+    std::vector<std::string> paths;
+    const auto* list = findChild<QListView*>(QStringLiteral("listView"));
+    if (!list || !list->selectionModel())
+        return paths;
+    for (const QModelIndex& index : list->selectionModel()->selectedRows())
+        paths.push_back(index.data(QFileSystemModel::FilePathRole).toString().toStdString());
+    return paths;
+}
+
+std::vector<std::string> OpenPanel::chosenPaths() const {
+    std::vector<std::string> paths = markedPaths();
+    if (!paths.empty())
+        return paths;
+    for (const QString& path : selectedFiles())
+        paths.push_back(path.toStdString());
+    return paths;
+}
+
+void OpenPanel::accept() {
+    // What the dialog would do with a folder is to enter it.
+    if (!chosenPaths().empty())
+        QDialog::accept();
+}
+
+} // namespace Ostrel

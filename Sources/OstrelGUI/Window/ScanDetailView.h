@@ -1,0 +1,61 @@
+#pragma once
+
+#include "OstrelGUI/ScannerViewModel.h"
+#include "OstrelGUI/Window/Page.h"
+
+#include <functional>
+
+class QLabel;
+class QPushButton;
+
+namespace Ostrel {
+
+class Card;
+class ElidedLabel;
+class Pill;
+class RawOutputView;
+class RowList;
+
+/// What is known of one scan: its state, and when it has ended its report.
+class ScanDetailView final : public Page {
+public:
+    ScanDetailView();
+
+    void showItem(const ScannerViewModel::ScanItem& item);
+    /// Whether the skin's widget is open; picks the button.
+    void setRunning(bool isRunning);
+    const std::string& path() const { return path_; }
+
+    /// "Render Widget" and "Stop Widget", with the skin's path.
+    std::function<void(const std::string& path)> onLaunch;
+    std::function<void(const std::string& path)> onStop;
+
+private:
+    void buildHeader();
+    void buildSummary();
+    void showSuccess(const ScannerViewModel::ScanSuccess& success);
+    void showFailure(const ScannerViewModel::ScanFailure& failure);
+    void showDiagnostics(const std::vector<Diagnostic>& diagnostics);
+
+    std::optional<ScannerViewModel::ScanID> id_;
+    std::string path_;
+    ScannerViewModel::ScanState state_;
+    bool isRunning_ = false;
+    QLabel* name_ = nullptr;
+    ElidedLabel* pathLabel_ = nullptr;
+    QWidget* scanning_ = nullptr;
+    Card* error_ = nullptr;
+    QLabel* errorMessage_ = nullptr;
+    Card* summary_ = nullptr;
+    Pill* verdict_ = nullptr;
+    QLabel* incompatible_ = nullptr;
+    QLabel* warnings_ = nullptr;
+    QPushButton* toggle_ = nullptr;
+    Card* findings_ = nullptr;
+    RowList* findingRows_ = nullptr;
+    Card* diagnostics_ = nullptr;
+    RowList* diagnosticRows_ = nullptr;
+    RawOutputView* rawOutput_ = nullptr;
+};
+
+} // namespace Ostrel
