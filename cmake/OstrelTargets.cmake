@@ -28,14 +28,18 @@ function(ostrel_module name)
         <unordered_map> <vector>)
 endfunction()
 
-# One test program of one area: ostrel_test(NAME sources... [QT] [LIBRARIES libs...]). With QT an application object
-# lives while the tests run, for fonts, windows and event loops.
+# One test program of one area: ostrel_test(NAME sources... [QT | WIDGETS] [LIBRARIES libs...]). With QT an application
+# object lives while the tests run, for fonts, windows and event loops; with WIDGETS it is one for Qt Widgets.
 function(ostrel_test name)
-    cmake_parse_arguments(ARG "QT" "" "LIBRARIES" ${ARGN})
+    cmake_parse_arguments(ARG "QT;WIDGETS" "" "LIBRARIES" ${ARGN})
     add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
     if(ARG_QT)
         target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/Tests/Support/QtTestMain.cpp)
         target_link_libraries(${name} PRIVATE Qt6::Gui)
+    endif()
+    if(ARG_WIDGETS)
+        target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/Tests/Support/WidgetsTestMain.cpp)
+        target_link_libraries(${name} PRIVATE Qt6::Widgets Qt6::Test)
     endif()
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/Tests)
     target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} OstrelTestSupport GTest::gmock_main)

@@ -17,7 +17,9 @@ constexpr int DialogWidth = 420;
 } // namespace
 
 AlertDialog::AlertDialog(QWidget& window, const QString& title, const QString& text)
-    : QDialog(&window), column_(new QVBoxLayout(this)), buttons_(new QDialogButtonBox) {
+    : QDialog(&window)
+    , column_(new QVBoxLayout(this))
+    , buttons_(new QDialogButtonBox) {
     setWindowTitle(title);
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowModality(Qt::WindowModal);
@@ -33,7 +35,11 @@ AlertDialog::AlertDialog(QWidget& window, const QString& title, const QString& t
     column_->addWidget(buttons_);
     setAccessibleName(title);
     setAccessibleDescription(text);
-    setFixedWidth(DialogWidth);
+}
+
+void AlertDialog::showEvent(QShowEvent* event) {
+    setFixedSize(DialogWidth, layout()->heightForWidth(DialogWidth));
+    QDialog::showEvent(event);
 }
 
 QLineEdit& AlertDialog::addField(const QString& placeholder, const QString& value) {
@@ -41,6 +47,7 @@ QLineEdit& AlertDialog::addField(const QString& placeholder, const QString& valu
     field->setPlaceholderText(placeholder);
     field->setAccessibleName(windowTitle());
     field->selectAll();
+    column_->insertSpacing(column_->count() - 2, Metrics::Unit);
     column_->insertWidget(column_->count() - 2, field);
     field->setFocus();
     return *field;

@@ -21,6 +21,9 @@ public:
     QPushButton& addAcceptButton(const QString& title);
     QPushButton& addCancelButton(const QString& title);
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     QVBoxLayout* column_;
     QDialogButtonBox* buttons_;

@@ -1,6 +1,7 @@
 // How the main window is put together; what it does is in ContentView.cpp.
-#include "OstrelGUI/Window/Controls.h"
+#include "OstrelGUI/WidgetLibrary.h"
 #include "OstrelGUI/Window/ContentView.h"
+#include "OstrelGUI/Window/Controls.h"
 #include "OstrelGUI/Window/DLLCompatibilityMenuView.h"
 #include "OstrelGUI/Window/DropHint.h"
 #include "OstrelGUI/Window/MediaPlayerMenuView.h"
@@ -11,7 +12,6 @@
 #include "OstrelGUI/Window/WidgetLibraryMenuView.h"
 #include "OstrelGUI/Window/WindowDialogs.h"
 #include "OstrelGUI/Window/WindowStyle.h"
-#include "OstrelGUI/WidgetLibrary.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -127,9 +127,8 @@ void ContentView::addShortcuts() {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, action);
     };
     add(QKeySequence::Open, [this] { presentOpenPanel(); });
-    add(QKeySequence(Qt::CTRL | Qt::Key_Comma), [this] {
-        setSidebarSelection(SidebarSelection{SidebarSelection::Kind::settings});
-    });
+    add(QKeySequence(Qt::CTRL | Qt::Key_Comma),
+        [this] { setSidebarSelection(SidebarSelection{SidebarSelection::Kind::settings}); });
     add(QKeySequence::Close, [this] { close(); });
 }
 
@@ -154,12 +153,13 @@ QWidget* ContentView::page(const SidebarSelection& selection) {
         return made(layers_, [] { return new DLLCompatibilityMenuView; });
     case SidebarSelection::Kind::mediaPlayer:
         return made(mediaPlayer_, [this] {
-            return new MediaPlayerMenuView(with_.defaults, *with_.dialogs, with_.onPlayerOverride,
-                [this] { ensureOstrelAppIsActive(); });
+            return new MediaPlayerMenuView(
+                with_.defaults, *with_.dialogs, with_.onPlayerOverride, [this] { ensureOstrelAppIsActive(); });
         });
     case SidebarSelection::Kind::settings:
         return made(settings_, [this] { return new SettingsMenuView(with_.defaults); });
-    case SidebarSelection::Kind::scan: break;
+    case SidebarSelection::Kind::scan:
+        break;
     }
     return made(scanDetail_, [this] {
         auto* view = new ScanDetailView;

@@ -23,7 +23,9 @@
 namespace Ostrel {
 
 ContentView::ContentView(Dependencies dependencies)
-    : with_(std::move(dependencies)), theme_(with_.appearance), sidebarModel_(with_.scans) {
+    : with_(std::move(dependencies))
+    , theme_(with_.appearance)
+    , sidebarModel_(with_.scans) {
     installPaintedParts();
     if (!with_.dialogs)
         with_.dialogs = makeWindowDialogs();
@@ -120,7 +122,8 @@ void ContentView::scansDidChange(const ScannerViewModel::Change& change) {
     }
     if (change.state)
         sidebar_->scanDidChange(*change.state);
-    const bool concernsDetail = change.list || (change.state && sidebarSelection_ == SidebarSelection::ofScan(*change.state));
+    const bool concernsDetail
+        = change.list || (change.state && sidebarSelection_ == SidebarSelection::ofScan(*change.state));
     if (concernsDetail && sidebarSelection_ && sidebarSelection_->isScan())
         showDetail();
 }

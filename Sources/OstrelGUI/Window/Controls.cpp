@@ -25,9 +25,10 @@ void paintFocusRing(QPainter& painter, const QRectF& rect, double radius, const 
     painter.drawRoundedRect(rect.adjusted(1, 1, -1, -1), radius, radius);
 }
 
-Card::Card(const QString& title, QWidget* parent) : QFrame(parent), column_(new QVBoxLayout(this)) {
-    column_->setContentsMargins(
-        Metrics::CardPadding, Metrics::CardPadding, Metrics::CardPadding, Metrics::CardPadding);
+Card::Card(const QString& title, QWidget* parent)
+    : QFrame(parent)
+    , column_(new QVBoxLayout(this)) {
+    column_->setContentsMargins(Metrics::CardPadding, Metrics::CardPadding, Metrics::CardPadding, Metrics::CardPadding);
     column_->setSpacing(Metrics::Unit);
     if (title.isEmpty())
         return;
@@ -59,7 +60,8 @@ QLabel* makeDimLabel(const QString& text) {
     return label;
 }
 
-ElidedLabel::ElidedLabel(QWidget* parent) : QWidget(parent) {
+ElidedLabel::ElidedLabel(QWidget* parent)
+    : QWidget(parent) {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 }
 
@@ -77,10 +79,12 @@ QSize ElidedLabel::sizeHint() const {
 void ElidedLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(Theme::from(palette()).dim);
-    painter.drawText(rect(), Qt::AlignVCenter | Qt::AlignLeft, fontMetrics().elidedText(text_, Qt::ElideMiddle, width()));
+    painter.drawText(
+        rect(), Qt::AlignVCenter | Qt::AlignLeft, fontMetrics().elidedText(text_, Qt::ElideMiddle, width()));
 }
 
-Pill::Pill(QWidget* parent) : QWidget(parent) {
+Pill::Pill(QWidget* parent)
+    : QWidget(parent) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
@@ -107,7 +111,8 @@ void Pill::paintEvent(QPaintEvent*) {
     painter.drawRoundedRect(QRectF(rect()), PillHeight / 2.0, PillHeight / 2.0);
     double left = 11;
     if (symbol_ != Symbol::none) {
-        paintSymbol(painter, symbol_, QRectF(left, (height() - PillIcon) / 2.0, PillIcon, PillIcon), theme.color(tone_));
+        paintSymbol(
+            painter, symbol_, QRectF(left, (height() - PillIcon) / 2.0, PillIcon, PillIcon), theme.color(tone_));
         left += PillIcon + 6;
     }
     painter.setFont(Type::strong(font()));
@@ -116,7 +121,9 @@ void Pill::paintEvent(QPaintEvent*) {
 }
 
 SymbolView::SymbolView(Symbol symbol, int side, Tone tone, QWidget* parent)
-    : QWidget(parent), symbol_(symbol), tone_(tone) {
+    : QWidget(parent)
+    , symbol_(symbol)
+    , tone_(tone) {
     setFixedSize(side, side);
 }
 
@@ -125,7 +132,8 @@ void SymbolView::paintEvent(QPaintEvent*) {
     paintSymbol(painter, symbol_, rect(), Theme::from(palette()).color(tone_));
 }
 
-SwitchRow::SwitchRow(const QString& text, QWidget* parent) : QAbstractButton(parent) {
+SwitchRow::SwitchRow(const QString& text, QWidget* parent)
+    : QAbstractButton(parent) {
     setText(text);
     setCheckable(true);
     setAccessibleName(text);
@@ -134,7 +142,8 @@ SwitchRow::SwitchRow(const QString& text, QWidget* parent) : QAbstractButton(par
 }
 
 QSize SwitchRow::sizeHint() const {
-    return {fontMetrics().horizontalAdvance(text()) + SwitchSize.width() + 3 * Metrics::Unit, Metrics::ControlHeight + 6};
+    return {
+        fontMetrics().horizontalAdvance(text()) + SwitchSize.width() + 3 * Metrics::Unit, Metrics::ControlHeight + 6};
 }
 
 void SwitchRow::paintEvent(QPaintEvent*) {
@@ -142,7 +151,8 @@ void SwitchRow::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(theme.text);
-    painter.drawText(rect().adjusted(0, 0, -SwitchSize.width() - Metrics::Unit, 0), Qt::AlignVCenter | Qt::AlignLeft, text());
+    painter.drawText(
+        rect().adjusted(0, 0, -SwitchSize.width() - Metrics::Unit, 0), Qt::AlignVCenter | Qt::AlignLeft, text());
     const QRectF track(width() - SwitchSize.width() - 4, (height() - SwitchSize.height()) / 2.0, SwitchSize.width(),
         SwitchSize.height());
     QColor off = theme.text;
@@ -158,7 +168,8 @@ void SwitchRow::paintEvent(QPaintEvent*) {
 }
 
 OptionRow::OptionRow(const QString& title, const QString& subtitle, QWidget* parent)
-    : QAbstractButton(parent), subtitle_(subtitle) {
+    : QAbstractButton(parent)
+    , subtitle_(subtitle) {
     setText(title);
     setCheckable(true);
     setAccessibleName(title);
@@ -200,7 +211,8 @@ void OptionRow::paintEvent(QPaintEvent*) {
     const int line = QFontMetrics(strong).height();
     QRect text = rect().adjusted(MarkColumn + Metrics::Unit, 3 * Metrics::Unit / 2, -Metrics::Unit, 0);
     if (isChecked())
-        paintSymbol(painter, Symbol::checkmark, QRectF(Metrics::Unit + 4, text.top() + (line - 18) / 2.0, 18, 18), theme.accent);
+        paintSymbol(painter, Symbol::checkmark, QRectF(Metrics::Unit + 4, text.top() + (line - 18) / 2.0, 18, 18),
+            theme.accent);
     painter.setFont(strong);
     painter.setPen(theme.text);
     painter.drawText(text, Qt::AlignLeft | Qt::AlignTop, this->text());
@@ -211,7 +223,8 @@ void OptionRow::paintEvent(QPaintEvent*) {
         paintFocusRing(painter, rect(), Metrics::ControlRadius, theme);
 }
 
-BusyIndicator::BusyIndicator(int side, QWidget* parent) : QWidget(parent) {
+BusyIndicator::BusyIndicator(int side, QWidget* parent)
+    : QWidget(parent) {
     setFixedSize(side, side);
     timer_.setInterval(FrameMilliseconds);
     connect(&timer_, &QTimer::timeout, this, [this] { update(); });

@@ -48,8 +48,9 @@ Card* makeSummary() {
 
 DLLCompatibilityMenuView::DLLCompatibilityMenuView()
     : Page(QStringLiteral("DLL Compatibility Layers"),
-        QStringLiteral("Ostrel tracks Windows Rainmeter plugins here. Selected native compatibility layers are available "
-                       "without loading DLL binaries.")) {
+        QStringLiteral(
+            "Ostrel tracks Windows Rainmeter plugins here. Selected native compatibility layers are available "
+            "without loading DLL binaries.")) {
     column().addWidget(makeSummary());
     std::vector<RowList::Row> rows;
     for (const DLLCompatibilityLayer& layer : DLLCompatibilityCatalog::layers())

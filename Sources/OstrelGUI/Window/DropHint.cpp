@@ -8,7 +8,8 @@
 
 namespace Ostrel {
 
-DropHint::DropHint(QWidget* parent) : QWidget(parent) {
+DropHint::DropHint(QWidget* parent)
+    : QWidget(parent) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     hide();
 }

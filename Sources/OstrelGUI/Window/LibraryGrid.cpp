@@ -28,21 +28,32 @@ QString removeHelp() {
 
 std::optional<LibraryMove> moveOf(int key) {
     switch (key) {
-    case Qt::Key_Left: return LibraryMove::previous;
-    case Qt::Key_Right: return LibraryMove::next;
-    case Qt::Key_Up: return LibraryMove::up;
-    case Qt::Key_Down: return LibraryMove::down;
-    case Qt::Key_Home: return LibraryMove::first;
-    case Qt::Key_End: return LibraryMove::last;
-    case Qt::Key_PageUp: return LibraryMove::pageUp;
-    case Qt::Key_PageDown: return LibraryMove::pageDown;
-    default: return std::nullopt;
+    case Qt::Key_Left:
+        return LibraryMove::previous;
+    case Qt::Key_Right:
+        return LibraryMove::next;
+    case Qt::Key_Up:
+        return LibraryMove::up;
+    case Qt::Key_Down:
+        return LibraryMove::down;
+    case Qt::Key_Home:
+        return LibraryMove::first;
+    case Qt::Key_End:
+        return LibraryMove::last;
+    case Qt::Key_PageUp:
+        return LibraryMove::pageUp;
+    case Qt::Key_PageDown:
+        return LibraryMove::pageDown;
+    default:
+        return std::nullopt;
     }
 }
 
 } // namespace
 
-LibraryGrid::LibraryGrid(QWidget* parent) : QWidget(parent), previews_([this] { update(); }) {
+LibraryGrid::LibraryGrid(QWidget* parent)
+    : QWidget(parent)
+    , previews_([this] { update(); }) {
     QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
@@ -124,7 +135,8 @@ ButtonState LibraryGrid::buttonState(LibraryStop stop) const {
 }
 
 QSize LibraryGrid::previewBox() const {
-    const QSize area = WidgetPreviewCard::previewRect(QRect(0, 0, LibraryLayout::cardWidth, LibraryLayout::CardHeight)).size();
+    const QSize area
+        = WidgetPreviewCard::previewRect(QRect(0, 0, LibraryLayout::cardWidth, LibraryLayout::CardHeight)).size();
     return ((QSizeF(area) - QSizeF(2 * PreviewPadding, 2 * PreviewPadding)) * devicePixelRatioF()).toSize();
 }
 
@@ -132,8 +144,7 @@ void LibraryGrid::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QSize box = previewBox();
-    for (const LibraryLayout::VisibleGroup& shown :
-        layout_.visible(event->rect().top(), event->rect().bottom() + 1)) {
+    for (const LibraryLayout::VisibleGroup& shown : layout_.visible(event->rect().top(), event->rect().bottom() + 1)) {
         if (layout_.header(shown.group).intersects(event->rect()))
             paintHeader(painter, shown.group);
         for (std::size_t i = shown.firstCard; i < shown.endCard; ++i) {
@@ -143,8 +154,8 @@ void LibraryGrid::paintEvent(QPaintEvent* event) {
                 continue;
             static const QImage none;
             const PreviewCache::Data& snapshot = item(stop).snapshotData;
-            WidgetPreviewCard::paint(painter, card, item(stop), snapshot ? previews_.find(snapshot, box) : &none,
-                buttonState(stop), look());
+            WidgetPreviewCard::paint(
+                painter, card, item(stop), snapshot ? previews_.find(snapshot, box) : &none, buttonState(stop), look());
         }
     }
     const QRect shown = visibleRegion().boundingRect();
@@ -297,7 +308,8 @@ PaintedParts::Part LibraryGrid::part(int index) const {
             removeHelp(), buttonRect(stop), isFocused};
     const WidgetLibraryItem& card = item(stop);
     return {QAccessible::Button, WidgetPreviewCard::buttonTitle(card) + QStringLiteral(" ") + textOf(card.displayName),
-        textOf(card.relativePath) + QStringLiteral(", ") + WidgetPreviewCard::statusText(card), areaOf(stop), isFocused};
+        textOf(card.relativePath) + QStringLiteral(", ") + WidgetPreviewCard::statusText(card), areaOf(stop),
+        isFocused};
 }
 
 int LibraryGrid::partAt(QPoint position) const {

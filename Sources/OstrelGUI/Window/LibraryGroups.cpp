@@ -11,6 +11,12 @@ namespace Ostrel {
 
 namespace {
 
+/// Without a language there still is an order of letters, not of bytes.
+QLocale userLocale() {
+    const QLocale locale;
+    return locale.language() == QLocale::C ? QLocale(QLocale::English) : locale;
+}
+
 /// Sorts by keys that are made once for each element, since a comparison of two texts costs as much as a key.
 template <typename Element, typename Name>
 void sortByName(std::vector<Element>& elements, const QCollator& collator, Name name) {
@@ -18,7 +24,8 @@ void sortByName(std::vector<Element>& elements, const QCollator& collator, Name 
     order.reserve(elements.size());
     for (std::size_t i = 0; i < elements.size(); ++i)
         order.emplace_back(collator.sortKey(textOf(name(elements[i]))), i);
-    std::stable_sort(order.begin(), order.end(), [](const auto& a, const auto& b) { return a.first.compare(b.first) < 0; });
+    std::stable_sort(
+        order.begin(), order.end(), [](const auto& a, const auto& b) { return a.first.compare(b.first) < 0; });
     std::vector<Element> sorted;
     sorted.reserve(elements.size());
     for (const auto& [key, index] : order)
@@ -32,7 +39,7 @@ std::vector<LibraryGroup> groupedItems(std::span<const WidgetLibraryItem> items)
     std::map<std::string, std::vector<WidgetLibraryItem>> byPackage;
     for (const WidgetLibraryItem& item : items)
         byPackage[item.packageName].push_back(item);
-    QCollator collator;
+    QCollator collator(userLocale());
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     std::vector<LibraryGroup> groups;
     for (auto& [name, members] : byPackage) {

@@ -33,7 +33,8 @@ QRect LibraryLayout::header(std::size_t group) const {
 QRect LibraryLayout::card(std::size_t group, std::size_t index) const {
     const int column = static_cast<int>(index) % columns_;
     const int row = static_cast<int>(index) / columns_;
-    return {column * (cardWidth + cardSpacing), groups_[group].top + HeaderHeight + row * RowHeight, cardWidth, CardHeight};
+    return {
+        column * (cardWidth + cardSpacing), groups_[group].top + HeaderHeight + row * RowHeight, cardWidth, CardHeight};
 }
 
 std::vector<LibraryLayout::VisibleGroup> LibraryLayout::visible(int top, int bottom) const {
@@ -42,9 +43,8 @@ std::vector<LibraryLayout::VisibleGroup> LibraryLayout::visible(int top, int bot
         groups_.begin(), groups_.end(), top, [](int y, const Group& candidate) { return y < candidate.bottom; });
     for (; group != groups_.end() && group->top < bottom; ++group) {
         const int cardsTop = group->top + HeaderHeight;
-        const auto cardsBefore = [&](int rows) {
-            return std::min(group->count, static_cast<std::size_t>(std::max(0, rows) * columns_));
-        };
+        const auto cardsBefore
+            = [&](int rows) { return std::min(group->count, static_cast<std::size_t>(std::max(0, rows) * columns_)); };
         const std::size_t first = cardsBefore((top - cardsTop) / RowHeight);
         const std::size_t end = bottom <= cardsTop ? 0 : cardsBefore((bottom - cardsTop + RowHeight - 1) / RowHeight);
         result.push_back({static_cast<std::size_t>(group - groups_.begin()), std::min(first, end), end});
@@ -104,14 +104,19 @@ std::optional<LibraryStop> LibraryLayout::movedByRow(LibraryStop stop, int direc
 LibraryStop LibraryLayout::moved(LibraryStop stop, LibraryMove move, int rows) const {
     const std::size_t current = index(stop);
     switch (move) {
-    case LibraryMove::previous: return this->stop(current == 0 ? 0 : current - 1);
-    case LibraryMove::next: return this->stop(std::min(current + 1, stopCount() - 1));
-    case LibraryMove::first: return this->stop(0);
-    case LibraryMove::last: return this->stop(stopCount() - 1);
+    case LibraryMove::previous:
+        return this->stop(current == 0 ? 0 : current - 1);
+    case LibraryMove::next:
+        return this->stop(std::min(current + 1, stopCount() - 1));
+    case LibraryMove::first:
+        return this->stop(0);
+    case LibraryMove::last:
+        return this->stop(stopCount() - 1);
     case LibraryMove::up:
     case LibraryMove::down:
     case LibraryMove::pageUp:
-    case LibraryMove::pageDown: break;
+    case LibraryMove::pageDown:
+        break;
     }
     const int direction = move == LibraryMove::up || move == LibraryMove::pageUp ? -1 : 1;
     const bool isPage = move == LibraryMove::pageUp || move == LibraryMove::pageDown;

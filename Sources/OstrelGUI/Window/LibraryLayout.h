@@ -22,9 +22,9 @@ enum class LibraryMove { previous, next, up, down, first, last, pageUp, pageDown
 /// for a card; a place is computed when it is asked for.
 class LibraryLayout {
 public:
-    static constexpr int cardWidth = 228;
+    static constexpr int cardWidth = 204;
     static constexpr int cardSpacing = 16;
-    static constexpr int CardHeight = 248;
+    static constexpr int CardHeight = 236;
     static constexpr int HeaderHeight = 52;
     static constexpr int GroupSpacing = 20;
 

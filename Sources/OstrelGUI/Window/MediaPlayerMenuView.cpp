@@ -44,9 +44,11 @@ Card* makeSection(const MediaPlayerTexts::Section& section) {
 MediaPlayerMenuView::MediaPlayerMenuView(
     UserDefaults& defaults, WindowDialogs& dialogs, Override onOverride, std::function<void()> ensureAppIsActive)
     : Page(QStringLiteral("Media Player"),
-        QStringLiteral("Choose which application Ostrel targets for NowPlaying media commands.")),
-      defaults_(defaults), dialogs_(dialogs), onOverride_(std::move(onOverride)),
-      ensureAppIsActive_(std::move(ensureAppIsActive)) {
+        QStringLiteral("Choose which application Ostrel targets for NowPlaying media commands."))
+    , defaults_(defaults)
+    , dialogs_(dialogs)
+    , onOverride_(std::move(onOverride))
+    , ensureAppIsActive_(std::move(ensureAppIsActive)) {
     auto* header = new Card;
     auto* row = new QHBoxLayout;
     row->addWidget(new SymbolView(Symbol::musicNote, 20, Tone::accent));

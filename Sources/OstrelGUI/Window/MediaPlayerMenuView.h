@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 
-
 class QLabel;
 
 namespace Ostrel {
@@ -23,8 +22,8 @@ public:
     using Override = std::function<void(std::optional<std::string>)>;
 
     /// References outlive the view. `onOverride` is told when the view appears and at each change.
-    MediaPlayerMenuView(UserDefaults& defaults, WindowDialogs& dialogs, Override onOverride,
-        std::function<void()> ensureAppIsActive);
+    MediaPlayerMenuView(
+        UserDefaults& defaults, WindowDialogs& dialogs, Override onOverride, std::function<void()> ensureAppIsActive);
 
 protected:
     void showEvent(QShowEvent* event) override;

@@ -20,7 +20,8 @@ namespace {
 constexpr std::array<std::string_view, 4> DefaultMode{
     "When set to Default, Ostrel reads the PlayerName= value from each skin's .ini file and maps it to a macOS app.",
     "iTunes, AppleMusic, and Music all map to Apple Music.",
-    "Windows-only players (Winamp, foobar2000, AIMP, MusicBee, WMP, MediaMonkey, CAD, VLC) are automatically redirected "
+    "Windows-only players (Winamp, foobar2000, AIMP, MusicBee, WMP, MediaMonkey, CAD, VLC) are automatically "
+    "redirected "
     "to Spotify, since they have no macOS equivalent.",
     "Choosing Music, Spotify, or Custom above overrides this per-skin mapping globally for all widgets."};
 
@@ -36,7 +37,8 @@ constexpr std::array<std::string_view, 4> CustomApps{
     "play/pause, etc.).",
     "Known compatible apps: Music, Spotify, Swinsian, Vox.",
     "Apps like VLC have limited AppleScript support — basic transport commands may work, but track metadata may not.",
-    "If the target app is not running or does not respond to the expected commands, NowPlaying fields will return empty "
+    "If the target app is not running or does not respond to the expected commands, NowPlaying fields will return "
+    "empty "
     "values."};
 
 constexpr std::array<Section, 3> Sections{{

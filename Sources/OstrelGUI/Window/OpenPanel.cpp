@@ -5,16 +5,40 @@
 
 #include <QDialogButtonBox>
 #include <QEvent>
+#include <QFileIconProvider>
 #include <QFileSystemModel>
 #include <QGridLayout>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
+#include <QSplitter>
 #include <QToolButton>
+#include <QTreeView>
 
 namespace Ostrel {
 
-OpenPanel::OpenPanel(QWidget* parent) : QFileDialog(parent) {
+namespace {
+
+constexpr int PlacesWidth = 150;
+constexpr int DateWidth = 180;
+
+QString acceptTitle() {
+    return QStringLiteral("Scan");
+}
+
+class PanelIcons final : public QFileIconProvider {
+public:
+    QIcon icon(IconType type) const override {
+        return symbolIcon(type == File ? Symbol::document : Symbol::folder, type == File ? Tone::dim : Tone::accent);
+    }
+    QIcon icon(const QFileInfo& file) const override { return icon(file.isDir() ? Folder : File); }
+};
+
+} // namespace
+
+OpenPanel::OpenPanel(QWidget* parent)
+    : QFileDialog(parent) {
     setOption(DontUseNativeDialog);
     // No folders are made here.
     setOption(ReadOnly);
@@ -22,12 +46,12 @@ OpenPanel::OpenPanel(QWidget* parent) : QFileDialog(parent) {
     setFileMode(ExistingFiles);
     setAcceptMode(AcceptOpen);
     setNameFilter(QStringLiteral("Skins (*.ini *.rmskin)"));
-    setLabelText(Accept, QStringLiteral("Scan"));
+    setLabelText(Accept, acceptTitle());
     setWindowModality(Qt::WindowModal);
     resize(760, 500);
     hideWhatDoesNotBelong();
-    addMessage(QStringLiteral(
-        "Select a Rainmeter .ini skin file, .rmskin package, or a folder containing skins."));
+    dress();
+    addMessage(QStringLiteral("Select a Rainmeter .ini skin file, .rmskin package, or a folder containing skins."));
 }
 
 /// Above everything else of the dialog's own grid.
@@ -55,8 +79,34 @@ void OpenPanel::addMessage(const QString& text) {
     setAccessibleDescription(text);
 }
 
+void OpenPanel::dress() {
+    // A dialog does not own its provider.
+    static PanelIcons icons;
+    setIconProvider(&icons);
+    const std::pair<const char*, Symbol> buttons[] = {{"backButton", Symbol::chevronLeft},
+        {"forwardButton", Symbol::chevronRight}, {"toParentButton", Symbol::chevronUp}};
+    for (const auto& [name, symbol] : buttons) {
+        if (auto* button = findChild<QToolButton*>(QLatin1String(name)))
+            button->setIcon(symbolIcon(symbol));
+    }
+    if (auto* tree = findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        constexpr int NameColumn = 0;
+        constexpr int SizeColumn = 1;
+        constexpr int TypeColumn = 2;
+        constexpr int DateColumn = 3;
+        tree->hideColumn(SizeColumn);
+        tree->hideColumn(TypeColumn);
+        tree->header()->setStretchLastSection(false);
+        tree->header()->setSectionResizeMode(NameColumn, QHeaderView::Stretch);
+        tree->header()->resizeSection(DateColumn, DateWidth);
+    }
+    if (auto* split = findChild<QSplitter*>(QStringLiteral("splitter")))
+        split->setSizes({PlacesWidth, width() - PlacesWidth});
+}
+
 void OpenPanel::hideWhatDoesNotBelong() {
-    for (const char* name : {"fileTypeLabel", "fileTypeCombo", "newFolderButton"}) {
+    for (const char* name :
+        {"fileTypeLabel", "fileTypeCombo", "newFolderButton", "listModeButton", "detailModeButton"}) {
         if (auto* part = findChild<QWidget*>(QLatin1String(name)))
             part->hide();
     }
@@ -65,14 +115,22 @@ void OpenPanel::hideWhatDoesNotBelong() {
         if (acceptButton_)
             acceptButton_->installEventFilter(this);
     }
+    // After the dialog's own reactions, which were connected before.
+    const auto changed = [this] { updateAcceptButton(); };
     if (auto* list = findChild<QListView*>(QStringLiteral("listView"))) {
-        connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] { updateAcceptButton(); });
+        connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this, changed);
+        connect(list->selectionModel(), &QItemSelectionModel::currentChanged, this, changed);
     }
+    if (auto* field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit")))
+        connect(field, &QLineEdit::textChanged, this, changed);
 }
 
-/// The dialog disables its button while only folders are marked.
+/// While only folders are marked, the dialog disables its button, or would enter the folder and says so.
 void OpenPanel::updateAcceptButton() {
-    if (acceptButton_ && !markedPaths().empty())
+    if (!acceptButton_)
+        return;
+    acceptButton_->setText(acceptTitle());
+    if (!markedPaths().empty())
         acceptButton_->setEnabled(true);
 }
 

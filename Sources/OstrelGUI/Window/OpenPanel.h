@@ -26,6 +26,7 @@ protected:
 private:
     void addMessage(const QString& text);
     void hideWhatDoesNotBelong();
+    void dress();
     std::vector<std::string> markedPaths() const;
     void updateAcceptButton();
 

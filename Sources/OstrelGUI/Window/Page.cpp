@@ -6,7 +6,8 @@
 
 namespace Ostrel {
 
-Page::Page(const QString& title, const QString& subtitle, QWidget* parent) : QScrollArea(parent) {
+Page::Page(const QString& title, const QString& subtitle, QWidget* parent)
+    : QScrollArea(parent) {
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

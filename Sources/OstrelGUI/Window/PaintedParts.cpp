@@ -18,7 +18,9 @@ PaintedParts* partsOf(QObject* object) {
 /// invalid.
 class PartInterface final : public QAccessibleInterface, public QAccessibleActionInterface {
 public:
-    PartInterface(QWidget* widget, int index) : widget_(widget), index_(index) { }
+    PartInterface(QWidget* widget, int index)
+        : widget_(widget)
+        , index_(index) { }
 
     bool isValid() const override { return widget_ && index_ < partsOf(widget_)->partCount(); }
     QObject* object() const override { return nullptr; }
@@ -36,9 +38,7 @@ public:
             return part.name;
         return kind == QAccessible::Description ? part.description : QString();
     }
-    QRect rect() const override {
-        return widget_ ? part().rect.translated(widget_->mapToGlobal(QPoint())) : QRect();
-    }
+    QRect rect() const override { return widget_ ? part().rect.translated(widget_->mapToGlobal(QPoint())) : QRect(); }
     QAccessible::Role role() const override { return part().role; }
     QAccessible::State state() const override {
         QAccessible::State state;
@@ -67,7 +67,8 @@ private:
 
 class PartsInterface final : public QAccessibleWidget {
 public:
-    explicit PartsInterface(QWidget* widget) : QAccessibleWidget(widget, partsOf(widget)->partsRole()) { }
+    explicit PartsInterface(QWidget* widget)
+        : QAccessibleWidget(widget, partsOf(widget)->partsRole()) { }
     ~PartsInterface() override {
         for (const auto& [index, id] : ids_)
             QAccessible::deleteAccessibleInterface(id);

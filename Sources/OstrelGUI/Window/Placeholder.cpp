@@ -13,7 +13,8 @@ constexpr int TextWidth = 380;
 
 } // namespace
 
-Placeholder::Placeholder(Symbol symbol, const QString& title, const QString& text, QWidget* parent) : QWidget(parent) {
+Placeholder::Placeholder(Symbol symbol, const QString& title, const QString& text, QWidget* parent)
+    : QWidget(parent) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(Metrics::PageMargin, Metrics::PageMargin, Metrics::PageMargin, 2 * Metrics::PageMargin);
     column->setSpacing(Metrics::Unit);
@@ -26,7 +27,7 @@ Placeholder::Placeholder(Symbol symbol, const QString& title, const QString& tex
     column->addWidget(heading);
     QLabel* body = makeDimLabel(text);
     body->setAlignment(Qt::AlignHCenter);
-    body->setFixedWidth(TextWidth);
+    body->setFixedSize(TextWidth, body->heightForWidth(TextWidth));
     column->addWidget(body, 0, Qt::AlignHCenter);
     column->addStretch();
     setAccessibleName(title);

@@ -41,7 +41,8 @@ struct PreviewCache::Worker {
 };
 
 PreviewCache::PreviewCache(std::function<void()> onReady)
-    : onReady_(std::move(onReady)), worker_(std::make_unique<Worker>()) { }
+    : onReady_(std::move(onReady))
+    , worker_(std::make_unique<Worker>()) { }
 
 PreviewCache::~PreviewCache() {
     {

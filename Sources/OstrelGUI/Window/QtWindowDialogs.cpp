@@ -28,6 +28,7 @@ public:
         setButtonKind(dialog->addAcceptButton(QStringLiteral("Delete")), ButtonKind::destructive);
         // Return alone must not delete anything.
         cancel.setDefault(true);
+        cancel.setFocus();
         QObject::connect(dialog, &QDialog::finished, &window,
             [done = std::move(done)](int result) { done(result == QDialog::Accepted); });
         dialog->open();

@@ -18,7 +18,9 @@ constexpr int OutputHeight = 280;
 
 } // namespace
 
-RawOutputView::RawOutputView() : Card(QStringLiteral("Raw Output")), output_(new QPlainTextEdit) {
+RawOutputView::RawOutputView()
+    : Card(QStringLiteral("Raw Output"))
+    , output_(new QPlainTextEdit) {
     auto* row = new QHBoxLayout;
     auto* picker = new SegmentedPicker({QStringLiteral("Text"), QStringLiteral("JSON")});
     picker->setAccessibleName(QStringLiteral("Raw Output"));

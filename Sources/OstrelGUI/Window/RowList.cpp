@@ -1,8 +1,8 @@
 #include "OstrelGUI/Window/RowList.h"
 
 #include <QEvent>
-#include <QPainter>
 #include <QPaintEvent>
+#include <QPainter>
 
 namespace Ostrel {
 
@@ -15,8 +15,11 @@ constexpr double StatusIconSide = 16;
 
 struct RowList::Fonts {
     Fonts(const QFont& base, RowListLayout::Spacing spacing)
-        : heading(Type::strong(base)), text(base), headingWidths(heading), textWidths(text),
-          layout(headingWidths, textWidths, spacing) { }
+        : heading(Type::strong(base))
+        , text(base)
+        , headingWidths(heading)
+        , textWidths(text)
+        , layout(headingWidths, textWidths, spacing) { }
 
     QFont heading;
     QFont text;
@@ -25,16 +28,20 @@ struct RowList::Fonts {
     RowListLayout layout;
 };
 
-RowList::RowList(Shape shape, QWidget* parent) : QWidget(parent), shape_(shape) {
+RowList::RowList(Shape shape, QWidget* parent)
+    : QWidget(parent)
+    , shape_(shape) {
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     useFonts();
 }
 
+RowList::~RowList() = default;
+
 void RowList::useFonts() {
-    fonts_ = std::make_unique<Fonts>(
-        font(), RowListLayout::Spacing{inset(), shape_ == Shape::cards ? Metrics::Unit : 0});
+    fonts_
+        = std::make_unique<Fonts>(font(), RowListLayout::Spacing{inset(), shape_ == Shape::cards ? Metrics::Unit : 0});
     laidOutWidth_ = -1;
 }
 
@@ -159,6 +166,8 @@ PaintedParts::Part RowList::part(int index) const {
 }
 
 int RowList::partAt(QPoint position) const {
+    if (position.y() < 0)
+        return -1;
     layOut(width());
     const auto [first, end] = fonts_->layout.rowsBetween(position.y(), position.y() + 1);
     return first < end ? static_cast<int>(first) : -1;

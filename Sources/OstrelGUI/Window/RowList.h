@@ -26,6 +26,7 @@ public:
     enum class Shape { lines, cards };
 
     explicit RowList(Shape shape = Shape::lines, QWidget* parent = nullptr);
+    ~RowList() override;
 
     void setRows(std::vector<Row> rows);
 

@@ -30,7 +30,9 @@ public:
 
     /// The widths outlive the layout.
     RowListLayout(const CharacterWidths& headings, const CharacterWidths& texts, Spacing spacing)
-        : headings_(headings), texts_(texts), spacing_(spacing) { }
+        : headings_(headings)
+        , texts_(texts)
+        , spacing_(spacing) { }
 
     void layOut(std::span<const Row> rows, int width);
 

@@ -9,7 +9,6 @@
 
 #include <QPushButton>
 #include <QScrollBar>
-#include <QStyle>
 #include <QVBoxLayout>
 
 namespace Ostrel {
@@ -41,8 +40,7 @@ RowList::Row diagnosticRow(const Diagnostic& diagnostic) {
 }
 
 /// A rows' box with nothing in it is its title alone.
-template <typename Element, typename Make>
-void fill(RowList& list, const std::vector<Element>& elements, Make make) {
+template <typename Element, typename Make> void fill(RowList& list, const std::vector<Element>& elements, Make make) {
     std::vector<RowList::Row> rows;
     rows.reserve(elements.size());
     for (const Element& element : elements)
@@ -63,7 +61,8 @@ QWidget* makeScanning() {
 
 } // namespace
 
-ScanDetailView::ScanDetailView() : Page(QString()) {
+ScanDetailView::ScanDetailView()
+    : Page(QString()) {
     buildHeader();
     scanning_ = makeScanning();
     column().addWidget(scanning_);
@@ -98,21 +97,26 @@ void ScanDetailView::buildHeader() {
 
 void ScanDetailView::buildSummary() {
     summary_ = new Card(QStringLiteral("Summary"));
+    toggle_ = new QPushButton;
+    auto* head = new QHBoxLayout;
+    head->addWidget(summary_->titleLabel(), 1);
+    head->addWidget(toggle_);
+    summary_->column().addLayout(head);
     auto* row = new QHBoxLayout;
-    row->setSpacing(2 * Metrics::Unit);
+    row->setSpacing(12);
     verdict_ = new Pill;
     row->addWidget(verdict_);
     const auto addCount = [row] {
         QLabel* label = makeDimLabel({});
         label->setWordWrap(false);
+        // In a narrow window the counts give way.
+        label->setMinimumWidth(1);
         row->addWidget(label);
         return label;
     };
     incompatible_ = addCount();
     warnings_ = addCount();
     row->addStretch();
-    toggle_ = new QPushButton;
-    row->addWidget(toggle_);
     summary_->column().addLayout(row);
     column().addWidget(summary_);
     connect(toggle_, &QPushButton::clicked, this, [this] {
@@ -127,9 +131,6 @@ void ScanDetailView::setRunning(bool isRunning) {
     isRunning_ = isRunning;
     toggle_->setText(isRunning ? QStringLiteral("Stop Widget") : QStringLiteral("Render Widget"));
     setButtonKind(*toggle_, isRunning ? ButtonKind::normal : ButtonKind::suggested);
-    // The sheet asks for a property only when it is put on.
-    toggle_->style()->unpolish(toggle_);
-    toggle_->style()->polish(toggle_);
 }
 
 void ScanDetailView::showItem(const ScannerViewModel::ScanItem& item) {

@@ -46,7 +46,8 @@ protected:
 } // namespace
 
 SegmentedPicker::SegmentedPicker(const QStringList& titles, QWidget* parent)
-    : QWidget(parent), group_(new QButtonGroup(this)) {
+    : QWidget(parent)
+    , group_(new QButtonGroup(this)) {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(Inset, Inset, Inset, Inset);
     row->setSpacing(2);

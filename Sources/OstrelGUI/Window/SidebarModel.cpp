@@ -27,7 +27,8 @@ constexpr int FirstScan = ScansSection + 1;
 
 } // namespace
 
-SidebarModel::SidebarModel(const ScannerViewModel& scans) : scans_(scans) {
+SidebarModel::SidebarModel(const ScannerViewModel& scans)
+    : scans_(scans) {
     appendNew();
 }
 
@@ -105,11 +106,15 @@ QVariant SidebarModel::data(const QModelIndex& index, int role) const {
         return static_cast<int>(kind);
     switch (kind) {
     case RowKind::section:
-        return role == Qt::DisplayRole ? QVariant(row == 0 ? QStringLiteral("Menus") : QStringLiteral("Scans")) : QVariant();
+        return role == Qt::DisplayRole ? QVariant(row == 0 ? QStringLiteral("Menus") : QStringLiteral("Scans"))
+                                       : QVariant();
     case RowKind::emptyText:
-        return role == Qt::DisplayRole ? QVariant(QStringLiteral("No scans yet. Use Open… to scan a skin.")) : QVariant();
-    case RowKind::scan: return scanData(static_cast<std::size_t>(row - FirstScan), role);
-    case RowKind::menu: break;
+        return role == Qt::DisplayRole ? QVariant(QStringLiteral("No scans yet. Use Open… to scan a skin."))
+                                       : QVariant();
+    case RowKind::scan:
+        return scanData(static_cast<std::size_t>(row - FirstScan), role);
+    case RowKind::menu:
+        break;
     }
     const Menu& menu = Menus[static_cast<std::size_t>(row - FirstMenu)];
     if (role == Qt::DisplayRole)
@@ -126,13 +131,19 @@ QVariant SidebarModel::scanData(std::size_t offset, int role) const {
         return {};
     const ScannerViewModel::ScanItem& item = items[offset];
     switch (role) {
-    case Qt::DisplayRole: return textOf(item.displayName());
+    case Qt::DisplayRole:
+        return textOf(item.displayName());
     case Qt::ToolTipRole:
-    case PathRole: return textOf(item.path);
-    case Qt::AccessibleDescriptionRole: return StatusIcon::of(item.state).description;
-    case SymbolRole: return static_cast<int>(StatusIcon::of(item.state).symbol);
-    case ToneRole: return static_cast<int>(StatusIcon::of(item.state).tone);
-    default: return {};
+    case PathRole:
+        return textOf(item.path);
+    case Qt::AccessibleDescriptionRole:
+        return StatusIcon::of(item.state).description;
+    case SymbolRole:
+        return static_cast<int>(StatusIcon::of(item.state).symbol);
+    case ToneRole:
+        return static_cast<int>(StatusIcon::of(item.state).tone);
+    default:
+        return {};
     }
 }
 

@@ -24,10 +24,13 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
         switch (kind(index)) {
-        case SidebarModel::RowKind::section: return {0, SectionHeight};
-        case SidebarModel::RowKind::emptyText: return {0, emptyTextHeight(option, index)};
+        case SidebarModel::RowKind::section:
+            return {0, SectionHeight};
+        case SidebarModel::RowKind::emptyText:
+            return {0, emptyTextHeight(option, index)};
         case SidebarModel::RowKind::menu:
-        case SidebarModel::RowKind::scan: break;
+        case SidebarModel::RowKind::scan:
+            break;
         }
         return {0, RowHeight};
     }
@@ -50,7 +53,8 @@ public:
             painter->drawText(inner.adjusted(0, 6, 0, 0), Qt::TextWordWrap | Qt::AlignTop | Qt::AlignLeft, text);
             break;
         case SidebarModel::RowKind::menu:
-        case SidebarModel::RowKind::scan: paintRow(*painter, theme, option, index, text);
+        case SidebarModel::RowKind::scan:
+            paintRow(*painter, theme, option, index, text);
         }
         painter->restore();
     }
@@ -91,8 +95,8 @@ private:
         painter.setPen(theme.text);
         painter.drawText(label, Qt::AlignVCenter | Qt::AlignLeft,
             QFontMetrics(painter.font()).elidedText(text, Qt::ElideRight, static_cast<int>(label.width())));
-        const bool isFocused = option.state.testFlag(QStyle::State_HasFocus)
-            && option.state.testFlag(QStyle::State_KeyboardFocusChange);
+        const bool isFocused
+            = option.state.testFlag(QStyle::State_HasFocus) && option.state.testFlag(QStyle::State_KeyboardFocusChange);
         if (isFocused)
             paintFocusRing(painter, ground, Metrics::ControlRadius, theme);
     }
@@ -100,7 +104,8 @@ private:
 
 } // namespace
 
-SidebarView::SidebarView(SidebarModel& model) : model_(model) {
+SidebarView::SidebarView(SidebarModel& model)
+    : model_(model) {
     setModel(&model);
     setItemDelegate(new SidebarDelegate(this));
     setFrameShape(QFrame::NoFrame);
@@ -147,9 +152,10 @@ void SidebarView::turnWhileScanning() {
         busyTimer_.start();
 }
 
-void SidebarView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
-    QListView::currentChanged(current, previous);
-    const auto selection = model_.selection(current.isValid() ? current.row() : -1);
+void SidebarView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
+    QListView::selectionChanged(selected, deselected);
+    // Not the current row: merely getting the keyboard makes the first one current.
+    const auto selection = model_.selection(selected.isEmpty() ? -1 : selected.first().top());
     if (!isShowing_ && selection && onSelect)
         onSelect(*selection);
 }

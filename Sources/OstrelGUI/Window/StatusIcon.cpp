@@ -4,18 +4,24 @@ namespace Ostrel {
 
 QString verdictLabel(CompatVerdict verdict) {
     switch (verdict) {
-    case CompatVerdict::compatible: return QStringLiteral("Compatible");
-    case CompatVerdict::partiallyCompatible: return QStringLiteral("Partially Compatible");
-    case CompatVerdict::incompatible: return QStringLiteral("Incompatible");
+    case CompatVerdict::compatible:
+        return QStringLiteral("Compatible");
+    case CompatVerdict::partiallyCompatible:
+        return QStringLiteral("Partially Compatible");
+    case CompatVerdict::incompatible:
+        return QStringLiteral("Incompatible");
     }
     return {};
 }
 
 StatusIcon StatusIcon::of(CompatVerdict verdict) {
     switch (verdict) {
-    case CompatVerdict::compatible: return {Symbol::checkmarkCircle, Tone::success, verdictLabel(verdict)};
-    case CompatVerdict::partiallyCompatible: return {Symbol::exclamationTriangle, Tone::warning, verdictLabel(verdict)};
-    case CompatVerdict::incompatible: return {Symbol::xmarkOctagon, Tone::error, verdictLabel(verdict)};
+    case CompatVerdict::compatible:
+        return {Symbol::checkmarkCircle, Tone::success, verdictLabel(verdict)};
+    case CompatVerdict::partiallyCompatible:
+        return {Symbol::exclamationTriangle, Tone::warning, verdictLabel(verdict)};
+    case CompatVerdict::incompatible:
+        return {Symbol::xmarkOctagon, Tone::error, verdictLabel(verdict)};
     }
     return {};
 }
@@ -30,9 +36,12 @@ StatusIcon StatusIcon::of(const ScannerViewModel::ScanState& state) {
 
 StatusIcon StatusIcon::of(CompatFinding::Severity severity) {
     switch (severity) {
-    case CompatFinding::Severity::incompatible: return {Symbol::xmarkOctagon, Tone::error, QStringLiteral("incompatible")};
-    case CompatFinding::Severity::warning: return {Symbol::exclamationTriangle, Tone::warning, QStringLiteral("warning")};
-    case CompatFinding::Severity::info: return {Symbol::infoCircle, Tone::accent, QStringLiteral("info")};
+    case CompatFinding::Severity::incompatible:
+        return {Symbol::xmarkOctagon, Tone::error, QStringLiteral("incompatible")};
+    case CompatFinding::Severity::warning:
+        return {Symbol::exclamationTriangle, Tone::warning, QStringLiteral("warning")};
+    case CompatFinding::Severity::info:
+        return {Symbol::infoCircle, Tone::accent, QStringLiteral("info")};
     }
     return {};
 }

@@ -156,8 +156,8 @@ QPainterPath photo() {
     QPainterPath back = polyline({{6.2, 4.2}, {19.6, 4.2}, {21.4, 6}, {21.4, 14.6}});
     const QPainterPath frame = stroked(roundedRect(2.6, 7.4, 15.6, 12.8, 2.6), 1.5);
     const QPainterPath inside = roundedRect(2.6, 7.4, 15.6, 12.8, 2.6);
-    const QPainterPath hills
-        = softPolygon(polyline({{2.6, 18.4}, {7.4, 13.4}, {10.6, 16.4}, {13.2, 14.2}, {18.2, 18}, {18.2, 20}, {2.6, 20}}), 0.6);
+    const QPainterPath hills = softPolygon(
+        polyline({{2.6, 18.4}, {7.4, 13.4}, {10.6, 16.4}, {13.2, 14.2}, {18.2, 18}, {18.2, 20}, {2.6, 20}}), 0.6);
     return stroked(back, 1.5).united(frame).united(hills.intersected(inside)).united(ellipse(13, 11.2, 1.4, 1.4));
 }
 
@@ -203,34 +203,78 @@ QPainterPath trayArrow() {
     return stroked(lines, 1.8);
 }
 
+QPainterPath folder() {
+    QPainterPath path = polyline(
+        {{3, 18.4}, {3, 6.2}, {4, 5.2}, {9, 5.2}, {11, 7.4}, {20, 7.4}, {21, 8.4}, {21, 18.4}, {20, 19.4}, {4, 19.4}});
+    return softPolygon(path, 1.2);
+}
+
+QPainterPath document() {
+    QPainterPath lines = polyline({{13.6, 3}, {6, 3}, {6, 21}, {18, 21}, {18, 7.4}, {13.6, 3}, {13.6, 7.6}, {18, 7.6}});
+    lines.addPath(polyline({{9, 12.4}, {15, 12.4}}));
+    lines.addPath(polyline({{9, 16}, {13, 16}}));
+    return stroked(lines, 1.5);
+}
+
 QPainterPath makePath(Symbol symbol) {
     switch (symbol) {
-    case Symbol::none: return {};
-    case Symbol::squareGrid: return grid();
-    case Symbol::shippingBox: return shippingBox();
-    case Symbol::musicNote: return note(9.4, 17.8);
-    case Symbol::gear: return gear();
-    case Symbol::sidebarLeading: return sidebar();
-    case Symbol::xmarkCircle: return disc().subtracted(cross());
-    case Symbol::checkmarkCircle: return disc().subtracted(check());
-    case Symbol::exclamationTriangle: return triangle().subtracted(exclamation(8.8, 17.2));
-    case Symbol::xmarkOctagon: return octagon().subtracted(cross());
-    case Symbol::infoCircle: return disc().subtracted(information());
-    case Symbol::exclamationOctagon: return octagon().subtracted(exclamation(7.4, 16.4));
-    case Symbol::trash: return trash();
-    case Symbol::photo: return photo();
-    case Symbol::circlingArrows: return halfCircleArrow(160).united(halfCircleArrow(-20));
-    case Symbol::lockShield: return lockShield();
-    case Symbol::musicNoteList: return noteList();
-    case Symbol::checkmark: return stroked(polyline({{5, 12.8}, {9.8, 17.6}, {19, 6.8}}), 2.2);
-    case Symbol::trayArrow: return trayArrow();
+    case Symbol::none:
+        return {};
+    case Symbol::squareGrid:
+        return grid();
+    case Symbol::shippingBox:
+        return shippingBox();
+    case Symbol::musicNote:
+        return note(9.4, 17.8);
+    case Symbol::gear:
+        return gear();
+    case Symbol::sidebarLeading:
+        return sidebar();
+    case Symbol::xmarkCircle:
+        return disc().subtracted(cross());
+    case Symbol::checkmarkCircle:
+        return disc().subtracted(check());
+    case Symbol::exclamationTriangle:
+        return triangle().subtracted(exclamation(8.8, 17.2));
+    case Symbol::xmarkOctagon:
+        return octagon().subtracted(cross());
+    case Symbol::infoCircle:
+        return disc().subtracted(information());
+    case Symbol::exclamationOctagon:
+        return octagon().subtracted(exclamation(7.4, 16.4));
+    case Symbol::trash:
+        return trash();
+    case Symbol::photo:
+        return photo();
+    case Symbol::circlingArrows:
+        return halfCircleArrow(160).united(halfCircleArrow(-20));
+    case Symbol::lockShield:
+        return lockShield();
+    case Symbol::musicNoteList:
+        return noteList();
+    case Symbol::checkmark:
+        return stroked(polyline({{5, 12.8}, {9.8, 17.6}, {19, 6.8}}), 2.2);
+    case Symbol::trayArrow:
+        return trayArrow();
+    case Symbol::chevronLeft:
+        return stroked(polyline({{14.6, 5.6}, {8.4, 12}, {14.6, 18.4}}), 2);
+    case Symbol::chevronRight:
+        return stroked(polyline({{9.4, 5.6}, {15.6, 12}, {9.4, 18.4}}), 2);
+    case Symbol::chevronUp:
+        return stroked(polyline({{5.6, 14.6}, {12, 8.4}, {18.4, 14.6}}), 2);
+    case Symbol::folder:
+        return folder();
+    case Symbol::document:
+        return document();
     }
     return {};
 }
 
 class SymbolEngine final : public QIconEngine {
 public:
-    SymbolEngine(Symbol symbol, Tone tone) : symbol_(symbol), tone_(tone) { }
+    SymbolEngine(Symbol symbol, Tone tone)
+        : symbol_(symbol)
+        , tone_(tone) { }
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
         const Theme theme = Theme::from(QGuiApplication::palette());

@@ -30,9 +30,15 @@ enum class Symbol {
     lockShield, // lock.shield
     musicNoteList, // music.note.list
     checkmark, // checkmark
-    trayArrow, // for the drop hint
+    // Without a name of their own: the drop hint, and the open panel.
+    trayArrow,
+    chevronLeft,
+    chevronRight,
+    chevronUp,
+    folder,
+    document,
 };
-inline constexpr int SymbolCount = static_cast<int>(Symbol::trayArrow) + 1;
+inline constexpr int SymbolCount = static_cast<int>(Symbol::document) + 1;
 
 /// In a square of 24 by 24, to be filled in one color. Made once.
 const QPainterPath& symbolPath(Symbol symbol);

@@ -42,7 +42,8 @@ QPalette Theme::palette(bool dark, const QColor& accent) {
     palette.setColor(QPalette::AlternateBase, dark ? QColor(0x28, 0x28, 0x2d) : QColor(0xef, 0xef, 0xf2));
     palette.setColor(QPalette::PlaceholderText, mixed(text, window, 0.42));
     palette.setColor(QPalette::Highlight, accent);
-    palette.setColor(QPalette::HighlightedText, luminance(accent) > 0.68 ? QColor(0x1d, 0x1d, 0x20) : QColor(Qt::white));
+    palette.setColor(
+        QPalette::HighlightedText, luminance(accent) > 0.68 ? QColor(0x1d, 0x1d, 0x20) : QColor(Qt::white));
     palette.setColor(QPalette::Link, accent);
     palette.setColor(QPalette::ToolTipBase, dark ? QColor(0x3a, 0x3a, 0x40) : QColor(0x2c, 0x2c, 0x30));
     palette.setColor(QPalette::ToolTipText, QColor(0xf2, 0xf2, 0xf4));
@@ -72,12 +73,18 @@ Theme Theme::from(const QPalette& palette) {
 
 QColor Theme::color(Tone tone) const {
     switch (tone) {
-    case Tone::normal: return text;
-    case Tone::dim: return dim;
-    case Tone::accent: return accent;
-    case Tone::success: return success;
-    case Tone::warning: return warning;
-    case Tone::error: return error;
+    case Tone::normal:
+        return text;
+    case Tone::dim:
+        return dim;
+    case Tone::accent:
+        return accent;
+    case Tone::success:
+        return success;
+    case Tone::warning:
+        return warning;
+    case Tone::error:
+        return error;
     }
     return text;
 }

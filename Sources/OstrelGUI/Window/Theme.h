@@ -42,7 +42,7 @@ struct Theme {
 /// One grid for all pages, in device-independent pixels.
 namespace Metrics {
 inline constexpr int Unit = 8;
-inline constexpr int PageMargin = 32;
+inline constexpr int PageMargin = 24;
 inline constexpr int CardPadding = 16;
 inline constexpr int CardRadius = 12;
 inline constexpr int ControlRadius = 8;

@@ -14,12 +14,13 @@
 namespace Ostrel {
 
 WidgetLibraryMenuView::WidgetLibraryMenuView(WidgetLibrary& library, WindowDialogs& dialogs)
-    : library_(library), dialogs_(dialogs),
-      page_(new Page(QStringLiteral("Widget Library"),
-          QStringLiteral("Rendered and unrendered skins are grouped by package."))),
-      placeholder_(new Placeholder(Symbol::squareGrid, QStringLiteral("No Loaded Widgets Yet"),
-          QStringLiteral("Open a skin or folder, then widgets will appear here (rendered and unrendered)."))),
-      grid_(new LibraryGrid) {
+    : library_(library)
+    , dialogs_(dialogs)
+    , page_(new Page(
+          QStringLiteral("Widget Library"), QStringLiteral("Rendered and unrendered skins are grouped by package.")))
+    , placeholder_(new Placeholder(Symbol::squareGrid, QStringLiteral("No Loaded Widgets Yet"),
+          QStringLiteral("Open a skin or folder, then widgets will appear here (rendered and unrendered).")))
+    , grid_(new LibraryGrid) {
     page_->setFillsWidth(true);
     page_->column().addWidget(grid_);
     page_->column().addStretch();

@@ -10,7 +10,7 @@ namespace Ostrel {
 
 namespace {
 
-constexpr int PreviewHeight = 140;
+constexpr int PreviewHeight = 128;
 constexpr int Padding = 14;
 constexpr int ButtonHeight = 30;
 constexpr int StatusDot = 8;
@@ -38,7 +38,8 @@ void paintPreview(QPainter& painter, const QRect& card, const QImage* preview, c
         const QSizeF size = QSizeF(preview->size()) / ratio;
         // On whole device pixels, or else the picture would be resampled.
         const auto snapped = [ratio](double value) { return std::round(value * ratio) / ratio; };
-        const QPointF corner(snapped(area.center().x() - size.width() / 2), snapped(area.center().y() - size.height() / 2));
+        const QPointF corner(
+            snapped(area.center().x() - size.width() / 2), snapped(area.center().y() - size.height() / 2));
         painter.drawImage(QRectF(corner, size), *preview);
         return;
     }
@@ -57,15 +58,20 @@ void paintStatus(QPainter& painter, const QRect& line, const WidgetLibraryItem& 
     painter.drawEllipse(QRectF(line.left() + 1, line.center().y() - StatusDot / 2.0 + 0.5, StatusDot, StatusDot));
     painter.setFont(look.caption);
     painter.setPen(color);
-    painter.drawText(line.adjusted(StatusDot + 8, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft,
-        WidgetPreviewCard::statusText(item));
+    painter.drawText(
+        line.adjusted(StatusDot + 8, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft, WidgetPreviewCard::statusText(item));
 }
 
 } // namespace
 
 CardLook::CardLook(const QFont& font, const QPalette& palette)
-    : theme(Theme::from(palette)), name(Type::strong(font)), text(font), caption(Type::caption(font)), nameMetrics(name),
-      textMetrics(text), captionMetrics(caption) { }
+    : theme(Theme::from(palette))
+    , name(Type::strong(font))
+    , text(font)
+    , caption(Type::caption(font))
+    , nameMetrics(name)
+    , textMetrics(text)
+    , captionMetrics(caption) { }
 
 void paintButton(QPainter& painter, const QRect& rect, const QString& text, const QColor& fill, const QColor& color,
     ButtonState state, const CardLook& look) {
@@ -105,8 +111,8 @@ QRect buttonRect(const QRect& card, const WidgetLibraryItem& item, const CardLoo
     return {card.right() + 1 - Padding - width, card.bottom() + 1 - Padding - ButtonHeight, width, ButtonHeight};
 }
 
-void paint(QPainter& painter, const QRect& card, const WidgetLibraryItem& item, const QImage* preview, ButtonState state,
-    const CardLook& look) {
+void paint(QPainter& painter, const QRect& card, const WidgetLibraryItem& item, const QImage* preview,
+    ButtonState state, const CardLook& look) {
     const Theme& theme = look.theme;
     const QRectF outline = QRectF(card).adjusted(0.5, 0.5, -0.5, -0.5);
     painter.setPen(Qt::NoPen);
@@ -131,8 +137,8 @@ void paint(QPainter& painter, const QRect& card, const WidgetLibraryItem& item, 
         look.captionMetrics.elidedText(textOf(item.relativePath), Qt::ElideMiddle, text.width()));
 
     const QRect button = buttonRect(card, item, look);
-    paintStatus(painter, QRect(card.left() + Padding, button.top(), button.left() - card.left() - Padding, ButtonHeight),
-        item, look);
+    paintStatus(painter,
+        QRect(card.left() + Padding, button.top(), button.left() - card.left() - Padding, ButtonHeight), item, look);
     if (item.isRendered)
         paintButton(painter, button, buttonTitle(item), theme.control, theme.text, state, look);
     else

@@ -43,8 +43,8 @@ QString buttonTitle(const WidgetLibraryItem& item);
 QRect previewRect(const QRect& card);
 QRect buttonRect(const QRect& card, const WidgetLibraryItem& item, const CardLook& look);
 /// The preview at the scale of the painter; null while it is being decoded, a null image when there is none.
-void paint(QPainter& painter, const QRect& card, const WidgetLibraryItem& item, const QImage* preview, ButtonState state,
-    const CardLook& look);
+void paint(QPainter& painter, const QRect& card, const WidgetLibraryItem& item, const QImage* preview,
+    ButtonState state, const CardLook& look);
 
 } // namespace WidgetPreviewCard
 

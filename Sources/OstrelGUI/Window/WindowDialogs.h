@@ -21,7 +21,8 @@ public:
     /// Files and folders, as many as the user likes; absent when cancelled.
     virtual void choosePaths(QWidget& window, std::function<void(std::optional<std::vector<std::string>>)> done) = 0;
     /// Whether the user wants what cannot be undone.
-    virtual void confirmDelete(QWidget& window, const QString& title, const QString& text, std::function<void(bool)> done)
+    virtual void confirmDelete(
+        QWidget& window, const QString& title, const QString& text, std::function<void(bool)> done)
         = 0;
     virtual void alert(QWidget& window, const QString& title, const QString& text) = 0;
 

@@ -3,6 +3,7 @@
 #include "OstrelGUI/Window/Theme.h"
 
 #include <QPushButton>
+#include <QStyle>
 #include <QVariant>
 
 namespace Ostrel {
@@ -16,7 +17,9 @@ QString css(const QColor& color) {
 }
 
 QColor over(const QColor& color, const QColor& layer, float alpha) {
-    const auto part = [alpha](int below, int above) { return static_cast<int>(below + (above - below) * alpha); };
+    const auto part = [alpha](int below, int above) {
+        return qRound(static_cast<float>(below) + static_cast<float>(above - below) * alpha);
+    };
     return {part(color.red(), layer.red()), part(color.green(), layer.green()), part(color.blue(), layer.blue())};
 }
 
@@ -75,6 +78,27 @@ QString fields(const Theme& theme) {
         .arg(css(theme.window));
 }
 
+/// Only the open panel has such: the window's own list names itself.
+QString fileLists(const Theme& theme) {
+    return QStringLiteral(
+        "QFileDialog QTreeView,QFileDialog QListView{background:%1;color:%2;border:1px solid %3;"
+        "border-radius:%5px;padding:4px;outline:none;}"
+        "QFileDialog QTreeView::item,QFileDialog QListView::item{min-height:28px;border:none;}"
+        "QFileDialog QTreeView::item:selected,QFileDialog QListView::item:selected{background:%4;"
+        "color:%2;}"
+        "QHeaderView{background:transparent;}"
+        "QHeaderView::section{background:transparent;color:%6;border:none;padding:6px 8px;}"
+        "QFileDialog QToolButton{border:none;border-radius:%5px;padding:7px;}"
+        "QFileDialog QToolButton:hover{background:%7;}"
+        "QFileDialog QToolButton:focus{background:%7;}"
+        "QComboBox{background:%8;color:%2;border:none;border-radius:%5px;padding:0 10px;min-height:32px;}"
+        "QComboBox:focus{border:2px solid %4;padding:0 8px;min-height:28px;}"
+        "QComboBox::drop-down{border:none;width:24px;}")
+        .arg(css(theme.card), css(theme.text), css(theme.border), css(theme.tint(Tone::accent)))
+        .arg(Metrics::ControlRadius)
+        .arg(css(theme.dim), css(theme.hover), css(theme.control));
+}
+
 QString menus(const Theme& theme) {
     return QStringLiteral("QMenu{background:%1;color:%2;border:1px solid %3;padding:6px;}"
                           "QMenu::item{padding:6px 24px 6px 12px;border-radius:6px;}"
@@ -86,13 +110,16 @@ QString menus(const Theme& theme) {
 } // namespace
 
 QString windowStyleSheet(const Theme& theme) {
-    return buttons(theme) + scrollBars(theme) + fields(theme) + menus(theme);
+    return buttons(theme) + scrollBars(theme) + fields(theme) + fileLists(theme) + menus(theme);
 }
 
 void setButtonKind(QPushButton& button, ButtonKind kind) {
     button.setProperty(KindProperty, static_cast<int>(kind));
     // As on the desktops it stands on: a click does not take the keyboard away, Tab brings it.
     button.setFocusPolicy(Qt::TabFocus);
+    // A sheet asks for the property only when it is put on.
+    button.style()->unpolish(&button);
+    button.style()->polish(&button);
 }
 
 } // namespace Ostrel

@@ -9,7 +9,9 @@
 
 namespace Ostrel {
 
-WindowTheme::WindowTheme(DesktopAppearance* appearance) : appearance_(appearance), system_(QApplication::palette()) {
+WindowTheme::WindowTheme(DesktopAppearance* appearance)
+    : appearance_(appearance)
+    , system_(QApplication::palette()) {
     // The one style that every desktop has and that takes colors as they are.
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     follow();

@@ -38,7 +38,8 @@ qsizetype lineEnd(QStringView text, double width, const CharacterWidths& widths)
 
 } // namespace
 
-CharacterWidths::CharacterWidths(const QFont& font) : metrics_(font) {
+CharacterWidths::CharacterWidths(const QFont& font)
+    : metrics_(font) {
     for (std::size_t i = 0; i < ascii_.size(); ++i)
         ascii_[i] = metrics_.horizontalAdvance(QChar(static_cast<char16_t>(i)));
 }

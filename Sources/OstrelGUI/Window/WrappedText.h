@@ -26,8 +26,8 @@ private:
 /// At most this many lines of a text are told apart; the rest is left out.
 inline constexpr std::size_t MaximumWrappedLines = 64;
 
-/// Broken after blanks and at line feeds; a word that is too wide breaks where it must. Views into `text`; an empty text
-/// is one empty line.
+/// Broken after blanks and at line feeds; a word that is too wide breaks where it must. Views into `text`; an empty
+/// text is one empty line.
 std::vector<QStringView> wrappedLines(QStringView text, double width, const CharacterWidths& widths);
 
 } // namespace Ostrel
