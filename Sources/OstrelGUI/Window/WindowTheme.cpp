@@ -29,7 +29,7 @@ bool WindowTheme::isDark() const {
 }
 
 QColor WindowTheme::accent() const {
-    const std::optional<AccentColor> chosen = appearance_ ? appearance_->accentColor() : std::nullopt;
+    const std::optional<RGBColor> chosen = appearance_ ? appearance_->accentColor() : std::nullopt;
     if (chosen) {
         const auto component = [](double value) { return static_cast<float>(std::clamp(value, 0.0, 1.0)); };
         return QColor::fromRgbF(component(chosen->red), component(chosen->green), component(chosen->blue));

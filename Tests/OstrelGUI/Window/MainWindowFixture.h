@@ -48,8 +48,8 @@ public:
 class FakeAppearance final : public DesktopAppearance {
 public:
     std::optional<bool> dark;
-    std::optional<AccentColor> accent;
-    std::optional<AccentColor> accentColor() override { return accent; }
+    std::optional<RGBColor> accent;
+    std::optional<RGBColor> accentColor() override { return accent; }
     std::optional<bool> prefersDark() override { return dark; }
 };
 

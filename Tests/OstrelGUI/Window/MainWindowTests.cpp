@@ -215,7 +215,7 @@ TEST_F(WindowTest, removingSomeOfManyKeepsTheOthersInOrder) {
 TEST_F(WindowTest, followsTheDesktopsLooks) {
     const auto isDark = [&] { return window->palette().color(QPalette::Window).lightness() < 128; };
     appearance.dark = true;
-    appearance.accent = AccentColor{1, 0.5, 2};
+    appearance.accent = RGBColor{1, 0.5, 2};
     QEvent activation(QEvent::ActivationChange);
     QCoreApplication::sendEvent(window.get(), &activation);
     EXPECT_TRUE(runLoopUntil(isDark));

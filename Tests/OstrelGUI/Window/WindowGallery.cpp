@@ -30,7 +30,7 @@ using Kind = SidebarSelection::Kind;
 class Appearance final : public DesktopAppearance {
 public:
     bool dark = false;
-    std::optional<AccentColor> accentColor() override { return std::nullopt; }
+    std::optional<RGBColor> accentColor() override { return std::nullopt; }
     std::optional<bool> prefersDark() override { return dark; }
 };
 
