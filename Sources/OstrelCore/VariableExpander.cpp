@@ -41,7 +41,8 @@ std::optional<std::size_t> firstOpener(std::string_view text, std::size_t from) 
     const auto hash = text.find('#', from);
     if (hash == None)
         return std::nullopt;
-    return hash > from && text[hash - 1] == '[' ? hash - 1 : hash;
+    // That bracket may stand before `from`, when what was replaced begins with the "#".
+    return hash > 0 && text[hash - 1] == '[' ? hash - 1 : hash;
 }
 
 std::string replaceEscapePattern(std::string_view text, std::string_view open, std::string_view close,

@@ -20,9 +20,9 @@ public:
     static constexpr std::size_t MaxTextSize = 1U << 20;
     /// Bytes read and written in all passes over all texts. After that no variable is replaced any more. A look-up
     /// counts as some bytes, and what is kept counts several times: it needs memory for as long as the skin is loaded.
-    static constexpr std::size_t MaxTotalWork = 128U << 20;
+    static constexpr std::size_t MaxTotalWork = 512U << 20;
     static constexpr std::size_t LookUpWork = 16;
-    static constexpr std::size_t KeepingWork = 4;
+    static constexpr std::size_t KeepingWork = 16;
 
     /// Both outlive the expander. The store may change between two calls.
     VariableExpander(const VariableStore& store, DiagnosticCollector& diagnostics)

@@ -20,7 +20,8 @@ std::string expanded(const VariableStore& store, std::string_view text, std::siz
 TEST(VariableExpander, expandsBothFormsToAFixedPoint) {
     VariableStore store;
     for (const auto& [name, value] : {std::pair("A", "B"), {"B", "1"}, {"x y", "2"}, {"Self", "#Self#"}, {"Hash", "#"},
-             {"Deep", "[#A]#A#"}, {"Open", "[#"}, {"Straße", "3"}, {"[#A", "4"}, {"Esc", "#*A*#"}, {"Empty", ""}})
+             {"Deep", "[#A]#A#"}, {"Open", "[#"}, {"Straße", "3"}, {"[#A", "4"}, {"Esc", "#*A*#"}, {"Empty", ""},
+             {"Tail", "#B]"}, {"Tail2", "#Tail]"}})
         store.setUserVariable(name, value);
     const struct {
         std::string_view text;
@@ -62,6 +63,8 @@ TEST(VariableExpander, expandsBothFormsToAFixedPoint) {
         {"#Open#A]", "B"},
         {"#Hash#A#", "B"},
         {"[[#B]#B#", "[11"},
+        {"[[#Tail]", "1"},
+        {"[[[#Tail2]", "1"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(expanded(store, row.text), row.result) << row.text;
@@ -87,6 +90,17 @@ TEST(VariableExpander, stopsAfterAThousandPassesWithAWarning) {
     store.setUserVariable("C999", "end");
     EXPECT_EQ(expanded(store, "#C1#"), "end");
     EXPECT_EQ(expanded(store, "#C0#", 1), "end");
+}
+
+TEST(VariableExpander, expandsManyTextsThatGrowToTheLimit) {
+    VariableStore store;
+    store.setUserVariable("A", "x#A#[#Unknown]");
+    DiagnosticCollector diagnostics;
+    VariableExpander expander(store, diagnostics);
+    const auto first = expander.expand("#A#");
+    EXPECT_EQ(first.size(), 1000U + 3U + 10U * 1000U);
+    for (int i = 0; i < 7; ++i)
+        EXPECT_TRUE(expander.expand("#A#") == first);
 }
 
 TEST(VariableExpander, keepsTextsAndItsWorkBounded) {
