@@ -172,17 +172,19 @@ void InputTextMeasure::enqueue(std::vector<std::string> commands) {
 }
 
 void InputTextMeasure::processPendingCommands() {
-    // Both are asked anew after every action: it may have come back here with more commands or a prompt.
-    while (!waitingForInputTemplate_ && !pendingCommands_.empty()) {
+    // A new batch queues behind an open prompt; the queue is asked anew after every action, which may have added to it.
+    if (waitingForInputTemplate_)
+        return;
+    while (!pendingCommands_.empty()) {
         const auto command = std::move(pendingCommands_.front());
         pendingCommands_.pop_front();
-        if (!containsIgnoringCase(command, UserInputToken)) {
-            runAction(command);
-            continue;
+        if (containsIgnoringCase(command, UserInputToken)) {
+            waitingForInputTemplate_ = command;
+            if (onInputRequested)
+                onInputRequested(presentation_);
+            return;
         }
-        waitingForInputTemplate_ = command;
-        if (onInputRequested)
-            onInputRequested(presentation_);
+        runAction(command);
     }
 }
 

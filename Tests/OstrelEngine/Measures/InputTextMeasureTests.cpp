@@ -105,6 +105,15 @@ TEST(InputTextMeasure, keepsItsOrderWhenAnActionComesBack) {
             input.measure->executeCommand("ExecuteBatch 2");
     };
     EXPECT_THAT(input.afterCommand("ExecuteBatch All"), ElementsAre("again", "after", "after"));
+
+    Input asking({{"Command1", "again"}, {"Command2", "after"}, {"Command4", "$UserInput$"}, {"Command5", "last"}});
+    asking.measure->onAction = [&](std::string_view action) {
+        asking.log.emplace_back(action);
+        if (action == "again")
+            asking.measure->executeCommand("ExecuteBatch 4-5");
+    };
+    EXPECT_THAT(asking.afterCommand("ExecuteBatch All"), ElementsAre("again", "after", "?", "last"))
+        << "the outer run goes on with what the inner one left behind its prompt";
 }
 
 TEST(InputTextMeasure, holdsABoundedNumberOfCommands) {
