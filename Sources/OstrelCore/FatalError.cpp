@@ -1,12 +1,16 @@
 #include "OstrelCore/FatalError.h"
 
+#include "OstrelCore/SkinInput.h"
+
+#include <cstdio>
 #include <cstdlib>
-#include <iostream>
 
 namespace Ostrel {
 
 void fatalError(std::string_view message) {
-    std::cerr << message << std::endl;
+    // What was printed before the fault is still true.
+    std::fflush(stdout);
+    printMessage(message);
     std::abort();
 }
 

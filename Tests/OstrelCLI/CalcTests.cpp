@@ -1,0 +1,24 @@
+#include "Support/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+namespace Ostrel {
+
+TEST(Calc, printsALineForEachText) {
+    const auto result = runOstrel({"calc", "0.1+0.2", "--3", "1>0", "MAX(1)5", "0*-1"});
+    EXPECT_EQ(result.output, "0.30000000000000004\n3\ninvalid\n5\n-0\n");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(runOstrel({"calc"}, "1+1\r\n\n2e1").output, "2\ninvalid\n20\n");
+    EXPECT_EQ(runOstrel({"calc", "--expression"}, "1 = 1 and 2\n--3\n1/0\n").output, "2\ninvalid\ninvalid\n");
+}
+
+TEST(Calc, keepsWhatWasPrintedBeforeAFatalFormula) {
+    const auto result = runOstrel({"calc"}, "1+1\nTRUNC(1e19)\n2\n");
+    EXPECT_EQ(result.output, "2\n");
+    EXPECT_TRUE(result.messages.starts_with("ostrel: Double value cannot be converted to Int because the result would "
+                                            "be greater than Int.max\n"))
+        << result.messages;
+    EXPECT_LT(result.status, 0);
+}
+
+} // namespace Ostrel
