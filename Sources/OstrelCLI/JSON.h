@@ -20,7 +20,8 @@ JSON jsonText(const std::optional<std::string>& text);
 /// Pairs of key and value in order.
 JSON jsonPairs(const Options& options);
 
-/// On one line, without the line's end; bytes that are no UTF-8 become U+FFFD.
+/// On one line, without the line's end; doubles with the fewest digits that read back as the same, bytes that are no
+/// UTF-8 as U+FFFD.
 std::string printed(const JSON& json);
 
 } // namespace Ostrel

@@ -139,6 +139,16 @@ TEST(ScenarioTests, refusesWhatIsNoScenario) {
     EXPECT_THAT(missing.messages, testing::StartsWith("ostrel: cannot load no such skin.ini\n"));
 }
 
+TEST(ScenarioTests, writesDoublesWithTheFewestDigits) {
+    const TemporaryFolder folder;
+    for (const char* number :
+        {"957.431251040267", "700.946330375174", "0.1", "-3.0", "1e+300", "2.26797932753915e+17", "5e-324", "-0.0"}) {
+        const auto skin = folder.write("skin.ini", std::string("[M]\nMeasure=String\nString=") + number + "\n");
+        const auto result = runOstrel({"trace", skin});
+        EXPECT_THAT(result.output, testing::HasSubstr(std::string("{\"M\":{\"number\":") + number + ",\"string\":\""));
+    }
+}
+
 TEST(ScenarioTests, ticksOnceWithoutAScenario) {
     const auto result = runOstrel({"trace", sourcePath("Tests/Scenarios/Layout.ini")});
     EXPECT_EQ(result.status, 0);
