@@ -10,7 +10,8 @@ namespace Ostrel {
 OpenArguments OpenArguments::sort(std::span<const std::string> arguments) {
     OpenArguments sorted;
     for (const auto& argument : arguments) {
-        auto path = standardizedPath(argument);
+        // An empty one would stand for the working folder.
+        auto path = argument.empty() ? std::string() : standardizedPath(argument);
         std::error_code failed;
         const auto extension = pathExtension(path);
         if (std::filesystem::is_directory(path, failed))

@@ -68,14 +68,14 @@ std::string WindowProcess::installedProgram() {
 void WindowProcess::show() {
     if (auto* window = server()) {
         window->show();
-        setVisible(true);
+        expect();
     }
 }
 
 void WindowProcess::open(std::span<const std::string> paths) {
     if (auto* window = server()) {
         window->open(paths);
-        setVisible(true);
+        expect();
     }
 }
 
@@ -100,7 +100,14 @@ bool WindowProcess::start() {
     reapAtEnd(process);
     server_ = std::make_unique<WindowServer>(
         std::make_unique<WindowChannel>(std::move(ours)), library_, defaults_, mainQueue_);
-    server_->onVisibilityChange = [this] { setVisible(server_->isWindowVisible()); };
+    wasSeen_ = false;
+    server_->onVisibilityChange = [this] {
+        isAwaited_ = isAwaited_ && !server_->isWindowVisible();
+        wasSeen_ = wasSeen_ || server_->isWindowVisible();
+        // A wish may have crossed the news of the window's end.
+        if (!isAwaited_)
+            setVisible(server_->isWindowVisible());
+    };
     server_->onSettingChange = [this](const std::string& key) {
         if (onSettingChange)
             onSettingChange(key);
@@ -109,8 +116,16 @@ bool WindowProcess::start() {
     return true;
 }
 
+void WindowProcess::expect() {
+    isAwaited_ = !server_->isWindowVisible();
+    setVisible(true);
+}
+
 void WindowProcess::didEnd() {
     server_.reset();
+    // It ended itself, not knowing that it was wanted again. A process that was never seen has failed.
+    if (std::exchange(isAwaited_, false) && wasSeen_)
+        return show();
     setVisible(false);
 }
 

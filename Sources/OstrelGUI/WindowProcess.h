@@ -41,6 +41,8 @@ private:
     bool start();
     /// Takes the process's exit status off the system's hands once it has ended.
     void reapAtEnd(int process);
+    /// The user wants to see the window.
+    void expect();
     void setVisible(bool isVisible);
     void didEnd();
 
@@ -50,6 +52,10 @@ private:
     MainQueue& mainQueue_;
     std::unique_ptr<WindowServer> server_;
     bool isVisible_ = false;
+    /// The user wants the window, and its process, which hid it, has not shown it again yet.
+    bool isAwaited_ = false;
+    /// This process has shown it before.
+    bool wasSeen_ = false;
     /// Expires with the owner.
     std::shared_ptr<void> life_ = std::make_shared<int>();
 };

@@ -2,7 +2,6 @@
 import os
 import signal
 import subprocess
-import unittest
 
 from desktop import PATIENCE_SECONDS, wait_for
 from widget_test import GUI, WidgetTest, main
@@ -24,13 +23,9 @@ def skin(color):
     return SKIN % (color, color)
 
 
-WINDOW = os.path.join(os.path.dirname(GUI), "ostrel-window")
-needs_window = unittest.skipUnless(os.path.exists(WINDOW), "ostrel-window is not built")
-
-
 class ApplicationTest(WidgetTest):
     def setUp(self):
-        self.open_desktop(compositor=False, tray=self.id().rpartition(".")[2] != "test_shows_the_window_where_there_is_no_tray")
+        self.open_desktop(compositor=False, tray="no_tray" not in self.id())
         self.red = self.desktop.write("Skins/Pack/Red.ini", skin("200,0,0"))
         self.blue = self.desktop.write("Skins/Pack/Blue.ini", skin("0,0,200"))
 
@@ -95,7 +90,6 @@ class ApplicationTest(WidgetTest):
     def count_windows(self, program):
         return self.desktop.output("xdotool", "search", "--onlyvisible", "--pid", str(program.pid)).count("\n")
 
-    @needs_window
     def test_a_later_start_hands_over(self):
         program, _ = self.start_with(self.red)
         self.run_again(self.blue)
@@ -108,7 +102,6 @@ class ApplicationTest(WidgetTest):
         self.assert_ends(program, signal.SIGTERM)
         wait_for("the window's end", lambda: not self.desktop.main_window())
 
-    @needs_window
     def test_shows_the_window_when_there_is_nothing_else(self):
         program = self.start()
         window = self.wait_for_window()
@@ -133,14 +126,12 @@ class ApplicationTest(WidgetTest):
         self.desktop.output("xdotool", "windowactivate", "--sync", str(window), "key", "alt+F4")
         wait_for("the window's end", lambda: not self.desktop.main_window())
 
-    @needs_window
     def test_a_folder_is_listed_and_not_shown(self):
         program = self.start(os.path.join(self.desktop.folder, "Skins"))
         self.wait_for_window()
         self.assertEqual(self.desktop.panels(), [])
         self.assert_ends(program, signal.SIGTERM)
 
-    @needs_window
     def test_shows_the_window_where_there_is_no_tray(self):
         program, [panel] = self.launch(self.red, **self.desktop.config())
         window = self.wait_for_window()
@@ -152,6 +143,32 @@ class ApplicationTest(WidgetTest):
         self.wait_for_panels(program, 0)
         self.close_window(self.wait_for_window())
         self.assertEqual(program.wait(PATIENCE_SECONDS), 0, "nothing was left to reach it by")
+
+    def test_removes_a_pack_when_it_is_told_so_twice(self):
+        program, _ = self.start_with(self.red)
+        self.run_again()
+        window = self.wait_for_window()
+        self.desktop.output("xdotool", "windowactivate", "--sync", str(window))
+        # To the library in the sidebar, and through the buttons above to that of the pack.
+        self.press("Down", "Up", "Tab", "Tab", "Tab", "Tab")
+        self.press("Return", until="Remove Skin Pack? — Ostrel")
+        self.press("Return", until="Ostrel")
+        self.assertTrue(os.path.exists(self.blue), "Return alone removed it")
+        self.press("Return", until="Remove Skin Pack? — Ostrel")
+        self.press("Tab", "space", until="Ostrel")
+        self.wait_for_panels(program, 0)
+        wait_for("the pack's end", lambda: not os.path.exists(os.path.dirname(self.red)))
+        self.assertTrue(os.path.exists(os.path.join(self.desktop.folder, "Skins")))
+        self.assert_ends(program, signal.SIGTERM)
+        program = self.start()
+        self.wait_for_window()
+        self.assertEqual(self.desktop.panels(), [], "it came back")
+
+    def press(self, *keys, until=None):
+        self.desktop.output("xdotool", "key", *keys)
+        title = lambda: self.desktop.output("xdotool", "getactivewindow", "getwindowname").strip()
+        if until:
+            wait_for(f"a window named {until}", lambda: title() == until)
 
     def test_follows_a_tray_that_is_started_anew(self):
         program, _ = self.start_with(self.red)

@@ -1,6 +1,5 @@
 #include "OstrelPlatform/Linux/LinuxTray.h"
 
-#include "OstrelPlatform/Linux/SessionBus.h"
 #include "OstrelPlatform/Linux/StatusNotifierTray.h"
 #include "OstrelPlatform/Linux/XEmbedTray.h"
 
@@ -15,7 +14,7 @@ void LinuxTray::start() {
     embedded_ = XEmbedTray::create(content_);
     if (embedded_)
         pass(*embedded_);
-    if (const auto address = sessionBusAddress())
+    if (const auto address = StatusNotifierTray::sessionBusAddress())
         notifier_ = StatusNotifierTray::create(content_, *address);
     if (!notifier_)
         return didChange();

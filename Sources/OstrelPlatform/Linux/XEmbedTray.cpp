@@ -24,6 +24,8 @@ constexpr std::uint32_t RequestDock = 0;
 constexpr std::uint32_t EmbeddedNotify = 0;
 constexpr std::uint32_t WantsToBeMapped = 1;
 constexpr std::uint16_t SizeAtFirst = 22;
+constexpr std::uint32_t HasSmallestSize = 1 << 4;
+constexpr std::uint32_t HasBaseSize = 1 << 8;
 constexpr int SmallestSize = 8;
 constexpr int LargestSize = 256;
 
@@ -152,8 +154,19 @@ private:
         const std::uint32_t info[] = {0, WantsToBeMapped};
         xcb_change_property(
             connection_, XCB_PROP_MODE_REPLACE, window_, atoms_[EmbedInfo], atoms_[EmbedInfo], 32, 2, info);
+        setSizeHints();
         setText(XCB_ATOM_WM_NAME, content.title);
         setText(XCB_ATOM_WM_CLASS, {ItemClass, sizeof ItemClass});
+    }
+
+    /// Trays that size their items by what these ask for would make it a line else.
+    void setSizeHints() {
+        // Flags, then the smallest size at 5 and 6, the base size at 15 and 16.
+        std::array<std::uint32_t, 18> hints{};
+        hints[0] = HasSmallestSize | HasBaseSize;
+        hints[5] = hints[6] = hints[15] = hints[16] = SizeAtFirst;
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NORMAL_HINTS,
+            XCB_ATOM_WM_SIZE_HINTS, 32, static_cast<std::uint32_t>(hints.size()), hints.data());
     }
 
     void setText(xcb_atom_t property, std::string_view text) {

@@ -1,0 +1,48 @@
+#include "OstrelGUI/WidgetPlacement.h"
+
+#include <gtest/gtest.h>
+
+namespace Ostrel {
+namespace {
+
+class WidgetPlacementTest : public testing::Test {
+protected:
+    Point open(Size size) {
+        const Point origin = placement.choose(size, running);
+        running.push_back(origin);
+        return origin;
+    }
+
+    WidgetPlacement placement{[] { return Size{1000, 800}; }};
+    std::vector<Point> running;
+};
+
+TEST_F(WidgetPlacementTest, opensOneAloneAtTheFirstFreePlace) {
+    EXPECT_EQ(open({300, 100}), (Point{100, 100}));
+    EXPECT_EQ(open({200, 100}), (Point{540, 100})) << "two steps of its own width to pass the first";
+    EXPECT_EQ(open({900, 50}), (Point{100, 240})) << "no room in the row";
+    running.erase(running.begin());
+    EXPECT_EQ(open({250, 90}), (Point{100, 100})) << "the first was stopped or moved away";
+}
+
+TEST_F(WidgetPlacementTest, neverCoversAnotherWhole) {
+    for (int i = 0; i < 30; ++i) {
+        const auto others = running;
+        const Point origin = open({900, 700});
+        EXPECT_EQ(std::ranges::count(others, origin), 0) << i;
+    }
+}
+
+TEST_F(WidgetPlacementTest, setsThoseThatAreOpenedTogetherBesideEachOther) {
+    open({300, 100});
+    placement.beginTogether(2);
+    EXPECT_EQ(open({100, 100}), (Point{100, 100}));
+    EXPECT_EQ(open({100, 100}), (Point{220, 100}));
+    placement.beginTogether(12);
+    EXPECT_EQ(open({100, 100}), (Point{20, 680})) << "many make a grid";
+    placement.endTogether();
+    EXPECT_NE(open({100, 100}), (Point{200, 680}));
+}
+
+} // namespace
+} // namespace Ostrel
