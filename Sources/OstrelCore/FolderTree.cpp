@@ -35,7 +35,8 @@ bool isFolder(DIR* directory, const dirent& entry) {
 
 } // namespace
 
-bool forEachEntryBelow(const std::string& directory, const std::function<void(std::string_view)>& visit) {
+bool forEachEntryBelow(
+    const std::string& directory, const std::function<void(std::string_view)>& visit, const std::stop_token& stop) {
     const Directory root = openDirectory(AT_FDCWD, directory.c_str(), 0);
     if (!root)
         return false;
@@ -43,7 +44,7 @@ bool forEachEntryBelow(const std::string& directory, const std::function<void(st
     std::vector<std::string> pending;
     std::string path;
     const auto readFolder = [&](DIR* folder, const std::string& prefix) {
-        while (const dirent* entry = readdir(folder)) {
+        while (const dirent* entry = stop.stop_requested() ? nullptr : readdir(folder)) {
             const std::string_view name = entry->d_name;
             if (name == "." || name == "..")
                 continue;
@@ -54,7 +55,7 @@ bool forEachEntryBelow(const std::string& directory, const std::function<void(st
         }
     };
     readFolder(root.get(), {});
-    while (!pending.empty()) {
+    while (!pending.empty() && !stop.stop_requested()) {
         const std::string prefix = std::move(pending.back());
         pending.pop_back();
         if (const auto folder = openDirectory(dirfd(root.get()), prefix.c_str(), O_NOFOLLOW))

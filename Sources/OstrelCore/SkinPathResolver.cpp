@@ -35,12 +35,15 @@ void append(std::vector<std::string>& result, const std::string& directory, cons
         result.push_back(appendingPathComponent(directory, path));
 }
 
-bool collectINIPaths(const std::string& directory, std::vector<std::string>& result) {
+bool collectINIPaths(const std::string& directory, const std::stop_token& stop, std::vector<std::string>& result) {
     std::vector<std::string> found;
-    const bool isReadable = forEachEntryBelow(directory, [&](std::string_view path) {
-        if (hasExtension(path, "ini"))
-            found.emplace_back(path);
-    });
+    const bool isReadable = forEachEntryBelow(
+        directory,
+        [&](std::string_view path) {
+            if (hasExtension(path, "ini"))
+                found.emplace_back(path);
+        },
+        stop);
     append(result, directory, found);
     return isReadable;
 }
@@ -64,13 +67,13 @@ bool collectINIPathsFromExtractedPackage(const std::string& directory, std::vect
 }
 
 /// False when the path is unreadable.
-bool collect(const std::string& path, std::vector<std::string>& result) {
+bool collect(const std::string& path, const std::stop_token& stop, std::vector<std::string>& result) {
     std::error_code failed;
     const auto status = std::filesystem::status(path, failed);
     if (failed || !std::filesystem::exists(status))
         return false;
     if (std::filesystem::is_directory(status))
-        return collectINIPaths(path, result);
+        return collectINIPaths(path, stop, result);
     if (hasExtension(path, "ini"))
         result.push_back(path);
     if (!hasExtension(path, "rmskin"))
@@ -81,10 +84,12 @@ bool collect(const std::string& path, std::vector<std::string>& result) {
 
 } // namespace
 
-Expansion resolve(std::span<const std::string> paths) {
+Expansion resolve(std::span<const std::string> paths, const std::stop_token& stop) {
     Expansion result;
     for (const auto& path : paths) {
-        if (!collect(path, result.skinPaths))
+        if (stop.stop_requested())
+            break;
+        if (!collect(path, stop, result.skinPaths))
             result.unreadablePaths.push_back(path);
     }
     std::ranges::sort(result.skinPaths);
@@ -92,8 +97,8 @@ Expansion resolve(std::span<const std::string> paths) {
     return result;
 }
 
-std::vector<std::string> expand(std::span<const std::string> paths) {
-    return resolve(paths).skinPaths;
+std::vector<std::string> expand(std::span<const std::string> paths, const std::stop_token& stop) {
+    return resolve(paths, stop).skinPaths;
 }
 
 } // namespace Ostrel::SkinPathResolver

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <span>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -15,8 +16,9 @@ struct Expansion {
     std::vector<std::string> unreadablePaths;
 };
 
-Expansion resolve(std::span<const std::string> paths);
+/// Ends early with what it has where `stop` asks, for nobody waits for it any more.
+Expansion resolve(std::span<const std::string> paths, const std::stop_token& stop = {});
 /// The `skinPaths` of `resolve`: what cannot be resolved is left out.
-std::vector<std::string> expand(std::span<const std::string> paths);
+std::vector<std::string> expand(std::span<const std::string> paths, const std::stop_token& stop = {});
 
 } // namespace Ostrel::SkinPathResolver

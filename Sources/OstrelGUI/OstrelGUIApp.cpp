@@ -36,7 +36,7 @@ OstrelGUIApp::OstrelGUIApp(const Platform& platform, DesktopPanels& desktop, Use
     connectPreferences(widgetManager_, defaults_);
     connectManager();
     delegate_.hasWidgets = [this] { return !widgetManager_.activeWidgets().empty(); };
-    delegate_.isLibraryEmpty = [this] { return sessionController_.libraryItems().empty(); };
+    delegate_.isLibraryEmpty = [this] { return sessionController_.isLibraryEmpty(); };
     delegate_.terminate = [this] {
         if (onTerminate)
             onTerminate();

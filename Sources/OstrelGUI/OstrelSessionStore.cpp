@@ -71,8 +71,11 @@ void OstrelSessionStore::save(const OstrelSessionState& state) {
     if (!hasBase_ || !journal_)
         return saveBase(state);
     const auto change = encodeChange(saved_, state);
-    if (!change || !journal_->append(*change))
+    if (!change)
         return;
+    // Somebody may have removed the folder, or put something in the journal's place.
+    if (!journal_->append(*change))
+        return saveBase(state);
     saved_ = state;
     if (journal_->size() > std::max<std::size_t>(MinFoldSize, baseSize_))
         foldLater();
@@ -84,11 +87,12 @@ void OstrelSessionStore::saveBase(const OstrelSessionState& state) {
         return;
     }
     const int number = journal_ ? journal_->rotate() : 0;
-    hasBase_ = writeBase(state, number);
-    if (hasBase_)
-        saved_ = state;
-    else
+    if (!writeBase(state, number)) {
         savesToSkip_ = SavesToSkip;
+        return;
+    }
+    hasBase_ = true;
+    saved_ = state;
 }
 
 void OstrelSessionStore::foldLater() {

@@ -14,6 +14,8 @@ namespace {
 /// Pictures in a row that are on time; each further one waits twice as long as the one before it.
 constexpr int StreakOnTime = 4;
 constexpr int MaxDoublings = 5;
+/// Between two pictures, for the widgets to draw.
+constexpr double Gap = 0.02;
 
 double longerWait(int streak) {
     return PreviewSchedule::Delay * (1 << std::clamp(streak - StreakOnTime, 0, MaxDoublings));
@@ -33,10 +35,27 @@ void PreviewSchedule::post(const std::string& path, double seconds, std::functio
     platform_.mainQueue.postAfter(seconds, [this, path, take = std::move(take), life = std::weak_ptr(life_)] {
         if (life.expired())
             return;
-        // First, for the taking may change the widget or end the schedule.
-        finish(path);
-        take();
+        due_.push_back([this, path, take] {
+            // First, for the taking may change the widget or end the schedule.
+            finish(path);
+            take();
+        });
+        if (!std::exchange(isTaking_, true))
+            takeNext();
     });
+}
+
+void PreviewSchedule::takeNext() {
+    isTaking_ = !due_.empty();
+    if (!isTaking_)
+        return;
+    platform_.mainQueue.postAfter(Gap, [this, life = std::weak_ptr(life_)] {
+        if (!life.expired())
+            takeNext();
+    });
+    const auto take = std::move(due_.front());
+    due_.pop_front();
+    take();
 }
 
 void PreviewSchedule::finish(const std::string& path) {

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <atomic>
 #include <mutex>
+#include <stop_token>
 #include <unordered_set>
 
 namespace Ostrel {
@@ -66,6 +67,8 @@ struct ScannerViewModel::Shared : std::enable_shared_from_this<Shared> {
     std::optional<ScanID> selection;
     /// Counts what `clearAll` has done: an expansion from before is dropped.
     int generation = 0;
+    /// Ends the expansions of this generation.
+    std::stop_source expansionsEnd;
 
     std::mutex mutex;
     /// Guarded by `mutex`: what has been scanned and waits for the main queue.
@@ -143,6 +146,7 @@ ScannerViewModel::ScannerViewModel(MainQueue& mainQueue)
 
 ScannerViewModel::~ScannerViewModel() {
     shared_->model = nullptr;
+    shared_->expansionsEnd.request_stop();
     shared_->expansions.stop();
     shared_->scans.stop();
 }
@@ -173,9 +177,9 @@ const ScannerViewModel::ScanItem* ScannerViewModel::selectedItem() const {
 
 void ScannerViewModel::scan(
     std::span<const std::string> paths, std::function<void(const std::vector<std::string>&)> onAdded) {
-    auto expand = [shared = shared_.get(), generation = shared_->generation,
+    auto expand = [shared = shared_.get(), generation = shared_->generation, stop = shared_->expansionsEnd.get_token(),
                       chosen = std::vector(paths.begin(), paths.end()), onAdded = std::move(onAdded)] {
-        auto expanded = SkinPathResolver::expand(chosen);
+        auto expanded = SkinPathResolver::expand(chosen, stop);
         shared->mainQueue.post([weak = shared->weak_from_this(), generation, expanded = std::move(expanded), onAdded] {
             const auto target = weak.lock();
             if (!target || !target->model || target->generation != generation)
@@ -193,6 +197,8 @@ void ScannerViewModel::scan(
 void ScannerViewModel::clearAll() {
     shared_->expansions.dropWaiting();
     shared_->scans.dropWaiting();
+    shared_->expansionsEnd.request_stop();
+    shared_->expansionsEnd = std::stop_source();
     ++shared_->generation;
     const Change change{.list = !shared_->items.empty(), .selection = shared_->selection.has_value()};
     shared_->items.clear();

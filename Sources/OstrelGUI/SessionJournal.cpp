@@ -70,6 +70,11 @@ std::string contentsOf(const std::string& path, std::size_t maxSize) {
     return bytes;
 }
 
+bool isRemoved(int file) {
+    struct stat status { };
+    return ::fstat(file, &status) != 0 || status.st_nlink == 0;
+}
+
 /// The file is as it was when that fails.
 bool appendLine(int file, std::string_view line) {
     const auto start = ::lseek(file, 0, SEEK_END);
@@ -157,6 +162,8 @@ std::vector<std::string> SessionJournal::read(std::uint64_t base) {
 }
 
 bool SessionJournal::append(std::string_view record) {
+    if (file_ && isRemoved(file_.get()))
+        file_.reset();
     if (!file_)
         file_ = openForAppending(pathOf(number_));
     const auto line = lineOf(record);

@@ -157,6 +157,18 @@ TEST_F(ScannerViewModelTest, forgetsAnExpansionFromBeforeAClear) {
     EXPECT_FALSE(wasAdded);
 }
 
+TEST_F(ScannerViewModelTest, endsAnExpansionThatWouldTakeForever) {
+    const auto b = writeSkin("b.ini");
+    const auto start = std::chrono::steady_clock::now();
+    model->scan(std::vector<std::string>{"/", "/usr", "/usr/share"}, [](const auto&) {});
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    model->clearAll();
+    EXPECT_EQ(scan({b}), (std::vector<std::string>{b}));
+    model->scan(std::vector<std::string>{"/"});
+    model.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+}
+
 TEST_F(ScannerViewModelTest, endsWithScansUnderWayAndFromItsOwnChange) {
     for (int i = 0; i < 300; ++i)
         writeSkin("many/" + std::to_string(i) + ".ini");

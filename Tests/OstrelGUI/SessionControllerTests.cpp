@@ -189,6 +189,21 @@ TEST_F(SessionControllerTest, takesFewPicturesOfASkinThatChangesWithoutEnd) {
     EXPECT_NE(session->libraryItems()[0].snapshotData, before) << "on time again after a rest";
 }
 
+TEST_F(SessionControllerTest, takesThePicturesOfManyOneAtATime) {
+    for (const char* name : {"a", "b", "c", "d"})
+        session->renderWidget(folder.write(std::string("Skins/P/") + name + ".ini", Skin));
+    const auto taken = [&] {
+        return std::ranges::count_if(
+            session->libraryItems(), [](const auto& item) { return item.snapshotData != nullptr; });
+    };
+    pass(0.46);
+    EXPECT_EQ(taken(), 1);
+    pass(0.02);
+    EXPECT_EQ(taken(), 2);
+    pass(0.05);
+    EXPECT_EQ(taken(), 4);
+}
+
 TEST_F(SessionControllerTest, followsTheManagerInEitherOrder) {
     const auto a = folder.write("Skins/P/a.ini", Skin);
     session->renderWidget(a);

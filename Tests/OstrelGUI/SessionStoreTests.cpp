@@ -306,7 +306,11 @@ TEST_F(SessionStoreTest, ignoresATornRecordAndWhatFollowsIt) {
     const std::string whole(std::istreambuf_iterator<char>(stream), {});
     const auto lineEnd = whole.find('\n') + 1;
     ASSERT_LT(lineEnd, whole.size());
+    // Every seventh length, and those around the ends of the two lines.
     for (std::size_t length = 0; length <= whole.size(); ++length) {
+        const bool isNearEnd = length + 2 > whole.size() || (length + 2 > lineEnd && length < lineEnd + 2);
+        if (length % 7 != 0 && !isNearEnd)
+            continue;
         TemporaryFolder copy;
         std::filesystem::copy(killed.path(), copy.path(), std::filesystem::copy_options::recursive);
         std::filesystem::resize_file(journals(copy.path())[0], length);
@@ -357,7 +361,7 @@ TEST_F(SessionStoreTest, isWholeAfterAKillAtAnyMoment) {
     OstrelSessionState expected;
     int step = 0;
     int folds = 0;
-    for (int round = 0; round < 30; ++round) {
+    for (int round = 0; round < 24; ++round) {
         const auto baseBefore = base();
         int pipes[2];
         ASSERT_EQ(pipe(pipes), 0);
@@ -409,20 +413,24 @@ TEST_F(SessionStoreTest, keepsWorkingWhereNothingCanBeStored) {
     EXPECT_EQ(reloaded(), stateAfter(someSession(), 499));
 }
 
-TEST_F(SessionStoreTest, triesAgainWhatTheJournalCouldNotTake) {
+TEST_F(SessionStoreTest, savesAllAnewWhenItsFilesAreTakenAway) {
     QSettingsUserDefaults defaults(settings);
-    auto state = someSession();
     OstrelSessionStore store(defaults);
+    auto state = someSession();
     store.save(state);
     // A folder in the place of the journal's file.
     for (int number = 1; number < 9; ++number)
         std::filesystem::create_directory(settings + "/" + name(number));
     state.widgets[1].isRendered = true;
     store.save(state);
-    EXPECT_EQ(reloaded(), someSession());
+    EXPECT_EQ(reloaded(), state);
     for (int number = 1; number < 9; ++number)
         std::filesystem::remove(settings + "/" + name(number));
     state.widgets[1].origin = Point{3, 4};
+    store.save(state);
+    EXPECT_EQ(reloaded(), state);
+    std::filesystem::remove_all(settings);
+    state.widgets[1].origin = Point{5, 6};
     store.save(state);
     EXPECT_EQ(reloaded(), state);
 }

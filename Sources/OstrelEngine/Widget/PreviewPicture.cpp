@@ -9,6 +9,9 @@ namespace Ostrel {
 
 namespace {
 
+/// Packed lightly: half the time for a quarter more bytes.
+constexpr int PackingQuality = 80;
+
 int scaled(double length, double scale) {
     return std::max(1, static_cast<int>(std::lround(length * scale)));
 }
@@ -25,7 +28,7 @@ std::optional<std::string> previewPNG(const QImage& picture, Size size, double m
     const QImage preview
         = picture.size() == target ? picture : picture.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     QBuffer bytes;
-    if (preview.isNull() || !bytes.open(QIODevice::WriteOnly) || !preview.save(&bytes, "PNG"))
+    if (preview.isNull() || !bytes.open(QIODevice::WriteOnly) || !preview.save(&bytes, "PNG", PackingQuality))
         return std::nullopt;
     return bytes.data().toStdString();
 }
