@@ -116,9 +116,11 @@ QWidget* ContentView::makeToolbar() {
     add(QStringLiteral("Open…"), ButtonKind::suggested, [this] { presentOpenPanel(); });
     add(QStringLiteral("Clear"), ButtonKind::normal, [this] { clearScans(); });
     row->addStretch();
-    add(QStringLiteral("Open Settings"), ButtonKind::quiet, [this] {
-        setSidebarSelection(SidebarSelection{SidebarSelection::Kind::settings});
-    })->setIcon(symbolIcon(Symbol::gear));
+    auto* settings = add(QStringLiteral("Open Settings"), ButtonKind::quiet,
+        [this] { setSidebarSelection(SidebarSelection{SidebarSelection::Kind::settings}); });
+    settings->setIcon(symbolIcon(Symbol::gear));
+    // The picture stands in the middle of its place: what is left over keeps it off the text.
+    settings->setIconSize({24, 16});
     return bar;
 }
 

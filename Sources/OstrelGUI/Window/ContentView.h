@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OstrelGUI/Window/SidebarModel.h"
+#include "OstrelGUI/Window/WindowDialogs.h"
 #include "OstrelGUI/Window/WindowTheme.h"
 
 #include <QWidget>
@@ -27,7 +28,6 @@ class SidebarView;
 class UserDefaults;
 class WidgetLibrary;
 class WidgetLibraryMenuView;
-class WindowDialogs;
 
 /// The main window: the sidebar, and beside it the page that is chosen there. Takes the notices of the library and of
 /// the scans for itself.

@@ -19,7 +19,7 @@ void DropHint::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     QColor veil = theme.window;
-    veil.setAlphaF(0.88F);
+    veil.setAlphaF(0.94F);
     painter.fillRect(rect(), veil);
     painter.setPen(QPen(theme.accent, 2, Qt::DashLine, Qt::RoundCap));
     painter.setBrush(theme.tint(Tone::accent));

@@ -12,7 +12,6 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
-#include <QSplitter>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -100,8 +99,9 @@ void OpenPanel::dress() {
         tree->header()->setSectionResizeMode(NameColumn, QHeaderView::Stretch);
         tree->header()->resizeSection(DateColumn, DateWidth);
     }
-    if (auto* split = findChild<QSplitter*>(QStringLiteral("splitter")))
-        split->setSizes({PlacesWidth, width() - PlacesWidth});
+    // Sizes of the splitter would not outlast the dialog's own.
+    if (auto* places = findChild<QListView*>(QStringLiteral("sidebar")))
+        places->setMinimumWidth(PlacesWidth);
 }
 
 void OpenPanel::hideWhatDoesNotBelong() {

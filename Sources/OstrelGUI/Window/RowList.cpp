@@ -112,7 +112,7 @@ void RowList::paintRow(QPainter& painter, const Theme& theme, std::size_t index)
         theme.color(row.tone));
     if (!row.heading.isEmpty()) {
         paintHeading(painter, theme, row, y);
-        y += firstLine;
+        y += firstLine + RowListLayout::Leading;
     }
     painter.setFont(fonts_->text);
     painter.setPen(row.heading.isEmpty() ? theme.text : theme.dim);

@@ -23,7 +23,7 @@ void RowListLayout::layOut(std::span<const Row> rows, int width) {
     bottoms_.reserve(rows.size());
     int bottom = 0;
     for (const Row& row : rows) {
-        double content = row.heading.isEmpty() ? 0 : headings_.lineHeight();
+        double content = row.heading.isEmpty() ? 0 : headings_.lineHeight() + Leading;
         if (!row.text.isEmpty())
             content += static_cast<double>(wrappedLines(row.text, textWidth(row, width), texts_).size())
                 * texts_.lineHeight();

@@ -45,6 +45,8 @@ public:
     double textWidth(const Row& row, int width) const;
 
     static constexpr int Padding = 10;
+    /// Between a heading and its text.
+    static constexpr int Leading = 2;
     static constexpr int IconColumn = 30;
 
 private:

@@ -40,12 +40,18 @@ RowList::Row diagnosticRow(const Diagnostic& diagnostic) {
 }
 
 /// A rows' box with nothing in it is its title alone.
-template <typename Element, typename Make> void fill(RowList& list, const std::vector<Element>& elements, Make make) {
+template <typename Element, typename Make>
+void fill(Card& card, RowList& list, const std::vector<Element>& elements, Make make) {
     std::vector<RowList::Row> rows;
     rows.reserve(elements.size());
     for (const Element& element : elements)
         rows.push_back(make(element));
     list.setVisible(!rows.empty());
+    // The rows have room of their own above and below.
+    constexpr int Padding = Metrics::CardPadding;
+    const int bottom = rows.empty() ? Padding : Padding - RowListLayout::Padding;
+    card.column().setContentsMargins(Padding, Padding, Padding, bottom);
+    card.column().setSpacing(0);
     list.setRows(std::move(rows));
 }
 
@@ -167,7 +173,7 @@ void ScanDetailView::showSuccess(const ScannerViewModel::ScanSuccess& success) {
     warnings_->setText(QStringLiteral("%1 warnings").arg(report.warningCount()));
     findings_->titleLabel()->setText(QStringLiteral("Findings (%1)").arg(report.findings.size()));
     findingRows_->setAccessibleName(findings_->titleLabel()->text());
-    fill(*findingRows_, report.findings, findingRow);
+    fill(*findings_, *findingRows_, report.findings, findingRow);
     showDiagnostics(success.diagnostics);
     rawOutput_->setTexts(success.formattedText, success.formattedJSON);
 }
@@ -178,7 +184,7 @@ void ScanDetailView::showFailure(const ScannerViewModel::ScanFailure& failure) {
 }
 
 void ScanDetailView::showDiagnostics(const std::vector<Diagnostic>& diagnostics) {
-    fill(*diagnosticRows_, diagnostics, diagnosticRow);
+    fill(*diagnostics_, *diagnosticRows_, diagnostics, diagnosticRow);
 }
 
 } // namespace Ostrel

@@ -110,7 +110,6 @@ SidebarView::SidebarView(SidebarModel& model)
     setItemDelegate(new SidebarDelegate(this));
     setFrameShape(QFrame::NoFrame);
     setMouseTracking(true);
-    setAttribute(Qt::WA_MacShowFocusRect, false);
     viewport()->setAutoFillBackground(false);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(ScrollPerPixel);
@@ -167,7 +166,7 @@ void SidebarView::deleteRow(int row) {
 }
 
 void SidebarView::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace)
+    if (event->key() == Qt::Key_Delete)
         return deleteRow(currentIndex().row());
     QListView::keyPressEvent(event);
 }

@@ -40,7 +40,7 @@ QPalette Theme::palette(bool dark, const QColor& accent) {
     QPalette palette(text, button, Qt::white, Qt::black, button, text, Qt::white, window, window);
     palette.setColor(QPalette::Base, dark ? QColor(0x2b, 0x2b, 0x30) : QColor(0xff, 0xff, 0xff));
     palette.setColor(QPalette::AlternateBase, dark ? QColor(0x28, 0x28, 0x2d) : QColor(0xef, 0xef, 0xf2));
-    palette.setColor(QPalette::PlaceholderText, mixed(text, window, 0.42));
+    palette.setColor(QPalette::PlaceholderText, mixed(text, window, 0.36));
     palette.setColor(QPalette::Highlight, accent);
     palette.setColor(
         QPalette::HighlightedText, luminance(accent) > 0.68 ? QColor(0x1d, 0x1d, 0x20) : QColor(Qt::white));
@@ -62,7 +62,7 @@ Theme Theme::from(const QPalette& palette) {
     theme.border = withAlpha(theme.text, theme.isDark ? 0.09 : 0.1);
     theme.hover = withAlpha(theme.text, 0.06);
     theme.control = palette.color(QPalette::Active, QPalette::Button);
-    theme.dim = mixed(theme.text, theme.card, theme.isDark ? 0.38 : 0.4);
+    theme.dim = palette.color(QPalette::Active, QPalette::PlaceholderText);
     theme.accent = palette.color(QPalette::Active, QPalette::Highlight);
     theme.onAccent = palette.color(QPalette::Active, QPalette::HighlightedText);
     theme.success = theme.isDark ? QColor(0x5f, 0xd3, 0x8d) : QColor(0x1a, 0x7f, 0x4b);

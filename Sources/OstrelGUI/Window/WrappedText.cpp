@@ -56,6 +56,7 @@ double CharacterWidths::width(QStringView text) const {
 
 std::vector<QStringView> wrappedLines(QStringView text, double width, const CharacterWidths& widths) {
     std::vector<QStringView> lines;
+    text = text.left(MaximumWrappedCharacters);
     while (lines.size() < MaximumWrappedLines) {
         const qsizetype feed = text.indexOf(u'\n');
         QStringView paragraph = feed < 0 ? text : text.left(feed);

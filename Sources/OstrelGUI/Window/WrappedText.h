@@ -23,8 +23,9 @@ private:
     std::array<double, 128> ascii_;
 };
 
-/// At most this many lines of a text are told apart; the rest is left out.
+/// Of a text beyond these the rest is left out: it comes from somebody's file.
 inline constexpr std::size_t MaximumWrappedLines = 64;
+inline constexpr qsizetype MaximumWrappedCharacters = 8192;
 
 /// Broken after blanks and at line feeds; a word that is too wide breaks where it must. Views into `text`; an empty
 /// text is one empty line.

@@ -33,9 +33,10 @@ TEST(WrappedText, breaksAtBlanksAndWhereItMust) {
     EXPECT_EQ(wrapped(u"at /aaaaaa", widthOf("/aaa")), "at|/aaa|aaa");
     EXPECT_EQ(wrapped(u"abc", 0), "a|b|c") << "a column of no width ends";
     EXPECT_EQ(wrapped(u"日本語 テキスト", widthOf("日本語")), "日本語|テキス|ト");
-    const QString hostile(1 << 16, u'\n');
-    EXPECT_EQ(CharacterWidths{QFont()}.width({}), 0);
-    EXPECT_EQ(wrappedLines(hostile, 100, CharacterWidths{QFont()}).size(), MaximumWrappedLines);
+    for (const char16_t c : {u'\n', u' ', u'w', u'\xd800'}) {
+        const QString hostile(1 << 22, c);
+        EXPECT_LE(wrappedLines(hostile, 100, CharacterWidths{QFont()}).size(), MaximumWrappedLines);
+    }
 }
 
 TEST(RowList, isAsHighAsItsRowsAndFindsThem) {

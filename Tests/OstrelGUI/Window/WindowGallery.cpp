@@ -15,8 +15,11 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QDir>
+#include <QDragEnterEvent>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QMimeData>
 #include <QPainter>
 
 #include <filesystem>
@@ -104,6 +107,14 @@ struct Gallery {
         widget.grab().save(target + QStringLiteral("/%1-%2-%3x.png").arg(name, mode).arg(widget.devicePixelRatio()));
     }
 
+    static void press(QWidget& window, int key) {
+        QWidget* target = QApplication::focusWidget() ? QApplication::focusWidget() : &window;
+        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, key, {});
+            QCoreApplication::sendEvent(target, &event);
+        }
+    }
+
     void saveDialog(ContentView& window, const QString& name) {
         settle();
         for (QDialog* dialog : window.findChildren<QDialog*>()) {
@@ -155,6 +166,30 @@ struct Gallery {
         saveDialog(*window, QStringLiteral("prompt"));
         dialogs->choosePaths(*window, [](const auto&) {});
         saveDialog(*window, QStringLiteral("open"));
+        appearance.dark = !dark;
+        window->setSidebarSelection(SidebarSelection::ofScan(scans.items().back().id));
+        QEvent activation(QEvent::ActivationChange);
+        QCoreApplication::sendEvent(window.get(), &activation);
+        save(*window, QStringLiteral("switched"));
+        appearance.dark = dark;
+        QCoreApplication::sendEvent(window.get(), &activation);
+        window->setSidebarSelection(SidebarSelection{Kind::widgetLibrary});
+        window->activateWindow();
+        settle();
+        for (int i = 0; i < 5; ++i)
+            press(*window, i < 4 ? Qt::Key_Tab : Qt::Key_Right);
+        save(*window, QStringLiteral("focus"));
+        window->setSidebarSelection(SidebarSelection{Kind::mediaPlayer});
+        for (int i = 0; i < 6; ++i)
+            press(*window, Qt::Key_Tab);
+        save(*window, QStringLiteral("focus-player"));
+        QMimeData dragged;
+        dragged.setUrls({QUrl::fromLocalFile(QDir::tempPath())});
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &dragged, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(window.get(), &enter);
+        save(*window, QStringLiteral("drop"));
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(window.get(), &leave);
         const auto items = std::exchange(library.items, {});
         library.setItems({});
         save(*window, QStringLiteral("library-empty"));
