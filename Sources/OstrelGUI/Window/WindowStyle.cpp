@@ -32,7 +32,7 @@ QString buttonRules(const QString& selector, const QColor& fill, const QColor& t
 QString buttons(const Theme& theme) {
     QString sheet = QStringLiteral("QPushButton{border:2px solid transparent;border-radius:%1px;padding:0 12px;"
                                    "min-height:%2px;}"
-                                   "QPushButton:focus{border-color:%3;}"
+                                   "QPushButton:focus{border-color:%3;outline:none;}"
                                    "QPushButton:disabled{color:%4;}")
                         .arg(Metrics::ControlRadius)
                         .arg(Metrics::ControlHeight - 4)

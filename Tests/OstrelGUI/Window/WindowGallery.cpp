@@ -93,9 +93,9 @@ struct Gallery {
             "x.org\n[P]\nMeasure=Plugin\n"
             "Plugin=SysInfo.dll\n[L]\nMeasure=Script\nScriptFile=C:\\a.lua\n[G]\nMeter=Roundline\nLeftMouseUpAction=!"
             "Zoom 2\n");
-        const std::string bad = folder.write("Broken.ini", "");
+        const std::string bad = folder.write("Agenda.ini", "");
         // Too large to be read.
-        const std::string large = folder.write("Large.ini", "");
+        const std::string large = folder.write("Photos.ini", "");
         std::filesystem::resize_file(large, std::uintmax_t{1} << 32);
         scans.scan(std::vector{clock, web, bad, large});
         settle(600);
@@ -190,6 +190,7 @@ struct Gallery {
         save(*window, QStringLiteral("drop"));
         QDragLeaveEvent leave;
         QCoreApplication::sendEvent(window.get(), &leave);
+        window->setSidebarSelection(SidebarSelection{Kind::widgetLibrary});
         const auto items = std::exchange(library.items, {});
         library.setItems({});
         save(*window, QStringLiteral("library-empty"));
