@@ -33,7 +33,7 @@ OstrelSessionState sessionOf(int count) {
                 .origin = Point{100.0 * i, 50},
                 .runtime = std::make_shared<const WidgetRuntimeState>(std::move(runtime)),
                 .isRendered = true,
-                .snapshotData = std::make_shared<const std::string>(std::move(picture))});
+                .snapshotData = std::make_shared<const SnapshotPicture>(std::move(picture))});
     }
     return state;
 }

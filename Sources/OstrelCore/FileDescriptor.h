@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace Ostrel {
@@ -28,6 +31,11 @@ public:
 private:
     int descriptor_ = -1;
 };
+
+/// For reading; a link at the end of the path is followed. Does not wait for a writer, should it be a pipe.
+FileDescriptor openFile(const std::string& path);
+/// All bytes of an open file. Absent for what is no file, is larger than `maxSize`, or cannot be read.
+std::optional<std::string> contentsOf(const FileDescriptor& file, std::size_t maxSize);
 
 /// The folder `name` in the folder `parent` (or `AT_FDCWD`); false when it is missing, no folder, a link, or out of
 /// reach.

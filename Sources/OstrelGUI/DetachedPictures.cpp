@@ -2,6 +2,7 @@
 
 #include "OstrelCore/Numbers.h"
 #include "OstrelCore/Text.h"
+#include "OstrelGUI/Base64.h"
 
 namespace Ostrel {
 
@@ -23,17 +24,21 @@ std::size_t endOfString(std::string_view text, std::size_t start) {
 
 } // namespace
 
-std::string_view DetachedPictures::resolve(std::string_view value) const {
-    if (!value.starts_with(Placeholder))
-        return value;
-    const auto number = parseInteger(value.substr(1));
-    return number && *number >= 0 && static_cast<std::size_t>(*number) < texts.size()
-        ? texts[static_cast<std::size_t>(*number)]
-        : value;
+std::shared_ptr<const SnapshotPicture> DetachedPictures::resolve(std::string_view value) const {
+    const auto number = value.starts_with(Placeholder) ? parseInteger(value.substr(1)) : std::nullopt;
+    const bool isDetached = number && *number >= 0 && static_cast<std::size_t>(*number) < texts.size();
+    const auto text = isDetached ? texts[static_cast<std::size_t>(*number)] : value;
+    if (isDetached && file && !text.empty())
+        return std::make_shared<const SnapshotPicture>(
+            SnapshotPicture::Stored{file, text.data() - source.data(), text.size()});
+    auto bytes = decodedBase64(text);
+    return bytes && !bytes->empty() ? std::make_shared<const SnapshotPicture>(std::move(*bytes)) : nullptr;
 }
 
-DetachedPictures detachPictures(std::string_view json) {
+DetachedPictures detachPictures(std::string_view json, std::shared_ptr<const FileDescriptor> file) {
     DetachedPictures result;
+    result.source = json;
+    result.file = std::move(file);
     std::string_view lastString;
     std::size_t position = 0;
     while (true) {

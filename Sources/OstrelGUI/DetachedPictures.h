@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OstrelGUI/SnapshotPicture.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,12 +17,15 @@ struct DetachedPictures {
     std::string json;
     /// The base64 texts by number, as views into the argument.
     std::vector<std::string_view> texts;
+    /// The argument, and the file that it is all of; null when it is in memory only.
+    std::string_view source;
+    std::shared_ptr<const FileDescriptor> file;
 
-    /// The text that this value of a picture stands for.
-    std::string_view resolve(std::string_view value) const;
+    /// The picture that this value of the member is, or stands for; null when it is none.
+    std::shared_ptr<const SnapshotPicture> resolve(std::string_view value) const;
 };
 
 /// Any text will do; what is no JSON stays none.
-DetachedPictures detachPictures(std::string_view json);
+DetachedPictures detachPictures(std::string_view json, std::shared_ptr<const FileDescriptor> file = nullptr);
 
 } // namespace Ostrel

@@ -219,9 +219,10 @@ void OstrelSessionController::captureSnapshotLater(
 
 void OstrelSessionController::updateSnapshot(const std::string& path, std::string snapshotData) {
     auto widget = stateOf(path, true);
-    if (widget.snapshotData && *widget.snapshotData == snapshotData)
+    const auto known = widget.snapshotData ? widget.snapshotData->bytes() : nullptr;
+    if (known && *known == snapshotData)
         return;
-    widget.snapshotData = std::make_shared<const std::string>(std::move(snapshotData));
+    widget.snapshotData = std::make_shared<const SnapshotPicture>(std::move(snapshotData));
     state_.upsert(std::move(widget));
     saveNow();
 }

@@ -6,7 +6,12 @@ namespace Ostrel {
 
 bool operator==(const OstrelWidgetState& a, const OstrelWidgetState& b) {
     return a.path == b.path && a.origin == b.origin && a.isRendered == b.isRendered
-        && equalContents(a.runtime, b.runtime) && equalContents(a.snapshotData, b.snapshotData);
+        && areSameRuntime(a.runtime, b.runtime) && areSamePicture(a.snapshotData, b.snapshotData);
+}
+
+bool areSameRuntime(
+    const std::shared_ptr<const WidgetRuntimeState>& a, const std::shared_ptr<const WidgetRuntimeState>& b) {
+    return a == b || (a && b && *a == *b);
 }
 
 std::optional<std::size_t> OstrelSessionState::index(std::string_view path) const {

@@ -2,6 +2,7 @@
 
 #include "OstrelEngine/Geometry.h"
 #include "OstrelEngine/Widget/WidgetRuntimeState.h"
+#include "OstrelGUI/SnapshotPicture.h"
 
 #include <cstddef>
 #include <memory>
@@ -23,8 +24,8 @@ struct OstrelWidgetState {
     std::shared_ptr<const WidgetRuntimeState> runtime = nullptr;
     /// Whether it was showing.
     bool isRendered = false;
-    /// A PNG of the widget; null when there is none.
-    std::shared_ptr<const std::string> snapshotData = nullptr;
+    /// Null when there is none.
+    std::shared_ptr<const SnapshotPicture> snapshotData = nullptr;
 
     /// Run-time states and pictures compare by their contents.
     friend bool operator==(const OstrelWidgetState& a, const OstrelWidgetState& b);
@@ -43,10 +44,7 @@ struct OstrelSessionState {
     friend bool operator==(const OstrelSessionState&, const OstrelSessionState&) = default;
 };
 
-/// Whether both are null, or neither is and their contents are equal.
-template <typename Content>
-bool equalContents(const std::shared_ptr<const Content>& a, const std::shared_ptr<const Content>& b) {
-    return a == b || (a && b && *a == *b);
-}
+bool areSameRuntime(
+    const std::shared_ptr<const WidgetRuntimeState>& a, const std::shared_ptr<const WidgetRuntimeState>& b);
 
 } // namespace Ostrel

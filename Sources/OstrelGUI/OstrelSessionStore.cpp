@@ -10,6 +10,8 @@ namespace Ostrel {
 
 namespace {
 
+/// Far above a thousand pictures.
+constexpr std::size_t MaxBaseSize = 128U << 20;
 /// A journal below this is not worth a fold.
 constexpr std::size_t MinFoldSize = 1U << 20;
 /// After a failure to write the base, which costs megabytes of encoding a time.
@@ -45,8 +47,10 @@ OstrelSessionState OstrelSessionStore::load() {
 }
 
 std::optional<OstrelSessionState> OstrelSessionStore::loadBase() {
-    const auto bytes = defaults_.data(Key);
-    auto base = bytes ? decodeSession(*bytes) : std::nullopt;
+    const auto path = defaults_.dataFile(Key);
+    const auto file = path ? std::make_shared<const FileDescriptor>(openFile(*path)) : nullptr;
+    const auto bytes = file ? contentsOf(*file, MaxBaseSize) : defaults_.data(Key);
+    auto base = bytes ? decodeSession(*bytes, file) : std::nullopt;
     if (!base) {
         // Whatever is there, the next save must not destroy it.
         defaults_.setDataAside(Key);

@@ -20,8 +20,8 @@ class UserDefaults;
 /// the key is a base, and what has changed since goes into a journal beside the settings: one append a change, no
 /// rewriting, no waiting for the disk. After the end of this process at any moment the two give the newest state that
 /// was saved, or the one before. The journal is folded into the base at a start that finds one, when it has grown
-/// larger than the base, both in the background, and when the store ends. Settings that have no folder take the whole
-/// session at every change.
+/// larger than the base, both in the background, and when the store ends. Pictures stay in the base's file until
+/// somebody looks at them. Settings that have no folder take the whole session at every change.
 class OstrelSessionStore {
 public:
     static constexpr std::string_view Key = "ostrel.sessionState.v2";

@@ -1,7 +1,6 @@
 #include "OstrelGUI/SessionCoding.h"
 
 #include "OstrelEngine/Widget/WidgetRuntimeStateJSON.h"
-#include "OstrelGUI/Base64.h"
 
 #include <nlohmann/json.hpp>
 
@@ -35,11 +34,9 @@ public:
         if (origin && std::isfinite(origin->x) && std::isfinite(origin->y))
             member("origin", dumped({{"x", origin->x}, {"y", origin->y}}));
     }
-    void picture(std::string_view bytes) {
-        begin("snapshotData");
-        text_ += '"';
-        appendBase64(text_, bytes);
-        text_ += '"';
+    void picture(const SnapshotPicture& picture) {
+        if (const auto base64 = picture.base64(); !base64.empty())
+            member("snapshotData", "\"" + base64 + "\"");
     }
 
 private:
@@ -92,8 +89,8 @@ void appendRuntimeChange(ObjectWriter& writer, const WidgetRuntimeState* from, c
 }
 
 bool appendDifference(std::string& text, const OstrelWidgetState& from, const OstrelWidgetState& to) {
-    const bool runtime = to.runtime && !equalContents(from.runtime, to.runtime);
-    const bool picture = to.snapshotData && !equalContents(from.snapshotData, to.snapshotData);
+    const bool runtime = to.runtime && !areSameRuntime(from.runtime, to.runtime);
+    const bool picture = to.snapshotData && !areSamePicture(from.snapshotData, to.snapshotData);
     if (from.origin == to.origin && from.isRendered == to.isRendered && !runtime && !picture)
         return false;
     ObjectWriter writer(text);

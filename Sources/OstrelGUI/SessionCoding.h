@@ -13,8 +13,10 @@ namespace Ostrel {
 /// absent is left out.
 std::string encodeSession(const OstrelSessionState& state);
 /// Absent when anything is missing or of another kind. Of several widgets with one path the first counts, and a picture
-/// that is no base64 is none.
-std::optional<OstrelSessionState> decodeSession(std::string_view json);
+/// that is no base64, or empty, is none.
+/// Where `json` is all of an open `file`, its pictures stay there until somebody looks at them.
+std::optional<OstrelSessionState> decodeSession(
+    std::string_view json, const std::shared_ptr<const FileDescriptor>& file = nullptr);
 /// The older form, in which every widget was showing and none had a picture.
 std::optional<OstrelSessionState> decodeLegacySession(std::string_view json);
 

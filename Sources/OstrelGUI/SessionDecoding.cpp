@@ -1,7 +1,6 @@
 #include "OstrelGUI/SessionDecoding.h"
 
 #include "OstrelEngine/Widget/WidgetRuntimeStateJSON.h"
-#include "OstrelGUI/Base64.h"
 #include "OstrelGUI/DetachedPictures.h"
 #include "OstrelGUI/SessionCoding.h"
 
@@ -60,13 +59,13 @@ bool readPicture(const json& widget, const DetachedPictures& pictures, OstrelWid
         return true;
     if (!picture->is_string())
         return false;
-    if (auto bytes = decodedBase64(pictures.resolve(picture->get_ref<const std::string&>())))
-        state.snapshotData = std::make_shared<const std::string>(std::move(*bytes));
+    if (auto resolved = pictures.resolve(picture->get_ref<const std::string&>()))
+        state.snapshotData = std::move(resolved);
     return true;
 }
 
-std::optional<OstrelSessionState> decode(std::string_view text) {
-    const auto pictures = detachPictures(text);
+std::optional<OstrelSessionState> decode(std::string_view text, const std::shared_ptr<const FileDescriptor>& file) {
+    const auto pictures = detachPictures(text, file);
     const auto object = parseBounded(pictures.json);
     const auto* widgets = object && object->is_object() ? member(*object, "widgets") : nullptr;
     if (!widgets || !widgets->is_array())
@@ -134,12 +133,13 @@ bool readTruths(const json& object, std::map<std::string, bool>& truths) {
     return true;
 }
 
-std::optional<OstrelSessionState> decodeSession(std::string_view text) {
-    return decode(text);
+std::optional<OstrelSessionState> decodeSession(
+    std::string_view text, const std::shared_ptr<const FileDescriptor>& file) {
+    return decode(text, file);
 }
 
 std::optional<OstrelSessionState> decodeLegacySession(std::string_view text) {
-    auto state = decode(text);
+    auto state = decode(text, nullptr);
     if (!state)
         return std::nullopt;
     for (auto& widget : state->widgets) {

@@ -53,23 +53,6 @@ std::vector<std::string_view> recordsOf(std::string_view bytes) {
     return records;
 }
 
-std::string contentsOf(const std::string& path, std::size_t maxSize) {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-    struct stat status { };
-    if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
-        return {};
-    std::string bytes(std::min(static_cast<std::size_t>(status.st_size), maxSize), '\0');
-    std::size_t length = 0;
-    while (length < bytes.size()) {
-        const auto count = ::read(file.get(), bytes.data() + length, bytes.size() - length);
-        if (count <= 0 && !(count < 0 && errno == EINTR))
-            break;
-        length += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
-    bytes.resize(length);
-    return bytes;
-}
-
 bool isRemoved(int file) {
     struct stat status { };
     return ::fstat(file, &status) != 0 || status.st_nlink == 0;
@@ -149,7 +132,7 @@ std::vector<std::string> SessionJournal::read(std::uint64_t base) {
     std::vector<std::string> result;
     std::size_t left = MaxReadSize;
     for (const auto& [number, path] : files()) {
-        const auto bytes = contentsOf(path, left);
+        const auto bytes = contentsOf(openFile(path), left).value_or("");
         left -= bytes.size();
         for (const auto record : recordsOf(bytes)) {
             if (record == foldedHere)

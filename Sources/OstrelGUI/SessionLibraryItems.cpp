@@ -58,7 +58,15 @@ struct SessionLibraryItems::Card {
             .relativePath = std::move(relativePath)};
     }
 
+    void loadPicture() {
+        if (std::exchange(loaded, picture) != picture)
+            item.snapshotData = picture ? picture->bytes() : nullptr;
+    }
+
+    /// Its picture is that of `loaded`.
     WidgetLibraryItem item;
+    std::shared_ptr<const SnapshotPicture> picture;
+    std::shared_ptr<const SnapshotPicture> loaded;
     /// Empty until it is sorted for the first time.
     std::string packageKey;
     std::string nameKey;
@@ -96,11 +104,11 @@ bool SessionLibraryItems::updateInPlace(const OstrelSessionState& state) {
     bool isChanged = false;
     for (std::size_t i = 0; i < cards_.size(); ++i) {
         const auto& widget = state.widgets[i];
-        auto& item = cards_[i]->item;
-        if (item.isRendered == widget.isRendered && item.snapshotData == widget.snapshotData)
+        auto& card = *cards_[i];
+        if (card.item.isRendered == widget.isRendered && card.picture == widget.snapshotData)
             continue;
-        item.isRendered = widget.isRendered;
-        item.snapshotData = widget.snapshotData;
+        card.item.isRendered = widget.isRendered;
+        card.picture = widget.snapshotData;
         isChanged = true;
     }
     return isChanged;
@@ -109,6 +117,8 @@ bool SessionLibraryItems::updateInPlace(const OstrelSessionState& state) {
 const std::vector<WidgetLibraryItem>& SessionLibraryItems::items() {
     if (!std::exchange(isStale_, false))
         return items_;
+    for (const auto& card : cards_)
+        card->loadPicture();
     if (std::exchange(isSorted_, true)) {
         for (std::size_t i = 0; i < order_.size(); ++i) {
             items_[i].isRendered = order_[i]->item.isRendered;

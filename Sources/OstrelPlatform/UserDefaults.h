@@ -14,6 +14,12 @@ class UserDefaults {
 public:
     virtual ~UserDefaults() = default;
     virtual std::optional<std::string> data(std::string_view key) const = 0;
+    /// The file that holds the bytes of the key and nothing else, whether it exists or not; never changed in place.
+    /// Absent where bytes are kept otherwise.
+    virtual std::optional<std::string> dataFile(std::string_view key) const {
+        static_cast<void>(key);
+        return std::nullopt;
+    }
     /// Replaces the bytes as a whole or not at all; false when they are kept for the life of the process only.
     virtual bool setData(std::string_view key, std::string_view bytes) = 0;
     /// Moves the bytes of the key out of the way, to where a person can find them, whether they can be read or not.

@@ -91,7 +91,7 @@ TEST_F(SessionControllerTest, registersWholePacksAndRendersWithAPreview) {
     EXPECT_EQ(stored(a).snapshotData, nullptr);
     pass(0.02);
     ASSERT_TRUE(stored(a).snapshotData);
-    const auto preview = QImage::fromData(QByteArray::fromStdString(*stored(a).snapshotData), "PNG");
+    const auto preview = QImage::fromData(QByteArray::fromStdString(*stored(a).snapshotData->bytes()), "PNG");
     EXPECT_EQ(preview.size(), QSize(324, 98));
     EXPECT_EQ(preview.pixel(315, 90), 0xff0000ff);
     EXPECT_EQ(preview.pixel(30, 30), 0xff0100ff);
@@ -148,14 +148,14 @@ TEST_F(SessionControllerTest, storesEachChangeAtOnce) {
     const auto a = folder.write("Skins/P/a.ini", Changing);
     session->renderWidget(a);
     pass(0.5);
-    const auto before = stored(a).snapshotData;
+    const auto before = stored(a).snapshotData->bytes();
     const int changes = itemChanges;
     pass(0.5);
     EXPECT_EQ(stored(a).runtime->variables.at("Shade"), "200");
     EXPECT_EQ(stored(a).runtime->meterVisibility.at("BOX"), false);
     EXPECT_EQ(itemChanges, changes) << "no card shows a variable";
     pass(0.5);
-    EXPECT_NE(*stored(a).snapshotData, *before);
+    EXPECT_NE(*stored(a).snapshotData->bytes(), *before);
     widget(a).onWindowMoved(Point{7, 8});
     EXPECT_EQ(stored(a).origin, (Point{7, 8}));
     manager->stop(a);

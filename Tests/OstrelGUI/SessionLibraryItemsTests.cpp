@@ -38,9 +38,9 @@ TEST(SessionLibraryItems, changesOnlyWhenACardShowsIt) {
     state.widgets[1].isRendered = true;
     EXPECT_TRUE(items.update(state));
     EXPECT_EQ(listed(items), "a/1 a/2* ");
-    state.widgets[0].snapshotData = std::make_shared<std::string>("png");
+    state.widgets[0].snapshotData = std::make_shared<SnapshotPicture>("png");
     EXPECT_TRUE(items.update(state));
-    EXPECT_EQ(items.items()[0].snapshotData, state.widgets[0].snapshotData);
+    EXPECT_EQ(items.items()[0].snapshotData, state.widgets[0].snapshotData->bytes());
     state.remove("/Skins/a/1.ini");
     EXPECT_TRUE(items.update(state));
     EXPECT_EQ(listed(items), "a/2* ");

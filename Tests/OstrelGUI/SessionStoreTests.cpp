@@ -20,8 +20,8 @@
 namespace Ostrel {
 namespace {
 
-std::shared_ptr<const std::string> picture(const std::string& bytes) {
-    return std::make_shared<const std::string>(bytes);
+std::shared_ptr<const SnapshotPicture> picture(const std::string& bytes) {
+    return std::make_shared<const SnapshotPicture>(bytes);
 }
 
 std::shared_ptr<const WidgetRuntimeState> runtime(
@@ -163,13 +163,13 @@ TEST_F(SessionStoreTest, readsPicturesHoweverTheyAreWritten) {
         if (!decoded)
             return std::string("undecodable");
         const auto& data = decoded->widgets[0].snapshotData;
-        return data ? *data : std::string("none");
+        return data ? *data->bytes() : std::string("none");
     };
     const std::pair<const char*, std::string> rows[] = {
         {R"("snapshotData":"AP//eHk=")", std::string("\0\xff\xffxy", 5)},
         {R"("snapshotData" : "QUJD")", "ABC"},
         {R"("snapshotData":"AP\/\/eA==")", std::string("\0\xff\xffx", 4)}, // slashes may be escaped
-        {R"("snapshotData":"")", ""},
+        {R"("snapshotData":"")", "none"},
         {R"("snapshotData":"QUJD","x":"\"snapshotData\":\"QQ==\"")", "ABC"},
         {R"("x":"snapshotData","y":"QUJD")", "none"},
         {R"("snapshotData":null,"y":"QUJD")", "none"},
@@ -184,11 +184,41 @@ TEST_F(SessionStoreTest, readsPicturesHoweverTheyAreWritten) {
     };
     for (const auto& [member, expected] : rows)
         EXPECT_EQ(pictureOf(member), expected) << member;
-    for (std::size_t size = 0; size < 70; ++size) {
+    for (std::size_t size = 1; size < 70; ++size) {
         OstrelSessionState state;
         state.upsert({.path = "/a", .snapshotData = picture(std::string(size, static_cast<char>(size * 37)))});
         EXPECT_EQ(decodeSession(encodeSession(state)), state) << size;
     }
+}
+
+TEST_F(SessionStoreTest, leavesPicturesInTheirFileWhateverBecomesOfIt) {
+    const auto file = write("ostrel.sessionState.v2.json", encodeSession(someSession()));
+    QSettingsUserDefaults defaults(settings);
+    OstrelSessionStore store(defaults);
+    auto state = store.load();
+    const auto& stored = *state.widgets[0].snapshotData;
+    std::filesystem::remove(file);
+    const auto bytes = stored.bytes();
+    EXPECT_EQ(*bytes, *someSession().widgets[0].snapshotData->bytes());
+    EXPECT_EQ(stored.bytes(), bytes) << "one picture is one object while anyone holds it";
+    EXPECT_EQ(encodeSession(state), encodeSession(someSession()));
+}
+
+TEST_F(SessionStoreTest, dropsAPictureThatSomebodyWroteOver) {
+    auto text = encodeSession(someSession());
+    const auto file = write("ostrel.sessionState.v2.json", text);
+    QSettingsUserDefaults defaults(settings);
+    OstrelSessionStore store(defaults);
+    auto state = store.load();
+    text.replace(text.find("iVBOR"), 5, "\"]}}\"");
+    std::ofstream(file) << text;
+    EXPECT_EQ(state.widgets[0].snapshotData->bytes(), nullptr);
+    auto expected = someSession();
+    expected.widgets[0].snapshotData = nullptr;
+    EXPECT_EQ(decodeSession(encodeSession(state)), expected);
+    std::filesystem::resize_file(file, 10);
+    EXPECT_EQ(state.widgets[0].snapshotData->bytes(), nullptr);
+    EXPECT_EQ(decodeSession(encodeSession(state)), expected);
 }
 
 /// Random changes, as a session has them.
@@ -210,7 +240,7 @@ public:
             widget.isRendered = !widget.isRendered;
         else if (kind == 7)
             widget.snapshotData
-                = picture(std::string(static_cast<std::size_t>(draw(3000)), static_cast<char>(draw(256))));
+                = picture(std::string(static_cast<std::size_t>(1 + draw(3000)), static_cast<char>(draw(256))));
         else
             widget.runtime = changedRuntime(widget.runtime.get(), kind == 11);
         state.upsert(std::move(widget));

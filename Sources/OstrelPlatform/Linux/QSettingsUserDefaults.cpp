@@ -35,26 +35,6 @@ QString keyOf(std::string_view key) {
     return QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size()));
 }
 
-std::optional<std::string> contentsOf(const std::string& path, std::size_t maxSize) {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status { };
-    if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)
-        || static_cast<std::size_t>(status.st_size) > maxSize)
-        return std::nullopt;
-    std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
-    std::size_t length = 0;
-    while (length < bytes.size()) {
-        const auto count = ::read(file.get(), bytes.data() + length, bytes.size() - length);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            break;
-        length += static_cast<std::size_t>(count);
-    }
-    bytes.resize(length);
-    return bytes;
-}
-
 } // namespace
 
 QSettingsUserDefaults::QSettingsUserDefaults()
@@ -88,7 +68,12 @@ std::optional<std::string> QSettingsUserDefaults::data(std::string_view key) con
     const std::scoped_lock lock(mutex_);
     if (const auto found = unstored_.find(key); found != unstored_.end())
         return found->second;
-    return contentsOf(dataPath(key), MaxDataSize);
+    return contentsOf(openFile(dataPath(key)), MaxDataSize);
+}
+
+std::optional<std::string> QSettingsUserDefaults::dataFile(std::string_view key) const {
+    const std::scoped_lock lock(mutex_);
+    return unstored_.contains(key) ? std::nullopt : std::optional(dataPath(key));
 }
 
 bool QSettingsUserDefaults::setData(std::string_view key, std::string_view bytes) {

@@ -25,6 +25,7 @@ public:
     ~QSettingsUserDefaults() override;
 
     std::optional<std::string> data(std::string_view key) const override;
+    std::optional<std::string> dataFile(std::string_view key) const override;
     bool setData(std::string_view key, std::string_view bytes) override;
     void setDataAside(std::string_view key) override;
     std::optional<std::string> string(std::string_view key) const override;
