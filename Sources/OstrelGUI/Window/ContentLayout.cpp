@@ -29,6 +29,8 @@ constexpr QSize DefaultSize(980, 680);
 constexpr QSize SmallestSize(720, 480);
 constexpr int BarHeight = 60;
 constexpr int SidebarWidth = 248;
+/// With larger type its titles need more.
+constexpr int SidebarCharacters = 33;
 constexpr int NarrowestSidebar = 200;
 constexpr int WidestSidebar = 400;
 
@@ -57,7 +59,9 @@ void ContentView::buildWindow() {
     split->addWidget(makeDetail());
     split->setStretchFactor(0, 0);
     split->setStretchFactor(1, 1);
-    split->setSizes({SidebarWidth, DefaultSize.width() - SidebarWidth});
+    const int sidebarWidth
+        = std::clamp(fontMetrics().averageCharWidth() * SidebarCharacters, SidebarWidth, WidestSidebar);
+    split->setSizes({sidebarWidth, DefaultSize.width() - sidebarWidth});
     // Nothing but the place where the pointer takes hold: the line is the sidebar's.
     split->setStyleSheet(QStringLiteral("QSplitter::handle{background:transparent;}"));
     auto* row = new QHBoxLayout(this);

@@ -175,7 +175,7 @@ OptionRow::OptionRow(const QString& title, const QString& subtitle, QWidget* par
     setAccessibleName(title);
     setAccessibleDescription(subtitle);
     setFocusPolicy(Qt::TabFocus);
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Minimum);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
 }
@@ -196,6 +196,10 @@ int OptionRow::heightForWidth(int width) const {
 QSize OptionRow::sizeHint() const {
     constexpr int AnyWidth = 360;
     return {AnyWidth, heightForWidth(width() > 100 ? width() : AnyWidth)};
+}
+
+QSize OptionRow::minimumSizeHint() const {
+    return {MarkColumn, 0};
 }
 
 void OptionRow::paintEvent(QPaintEvent*) {

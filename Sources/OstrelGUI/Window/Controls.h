@@ -97,6 +97,7 @@ public:
     void setSubtitle(const QString& subtitle);
     const QString& subtitle() const { return subtitle_; }
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
 

@@ -54,7 +54,7 @@ std::optional<LibraryMove> moveOf(int key) {
 LibraryGrid::LibraryGrid(QWidget* parent)
     : QWidget(parent)
     , previews_([this] { update(); }) {
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Minimum);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     setMouseTracking(true);
@@ -79,6 +79,7 @@ void LibraryGrid::layOut() {
     std::vector<std::size_t> counts;
     for (const LibraryGroup& group : groups_)
         counts.push_back(group.items.size());
+    layout_.setCardSize(WidgetPreviewCard::size(look()));
     layout_.layOut(counts, width());
 }
 
@@ -87,6 +88,7 @@ int LibraryGrid::heightForWidth(int width) const {
     for (const LibraryGroup& group : groups_)
         counts.push_back(group.items.size());
     LibraryLayout layout;
+    layout.setCardSize(WidgetPreviewCard::size(look()));
     layout.layOut(counts, width);
     return layout.height();
 }
@@ -94,6 +96,11 @@ int LibraryGrid::heightForWidth(int width) const {
 QSize LibraryGrid::sizeHint() const {
     constexpr int AnyWidth = LibraryLayout::cardWidth;
     return {AnyWidth, heightForWidth(std::max(width(), AnyWidth))};
+}
+
+/// A height here would be kept to at every width.
+QSize LibraryGrid::minimumSizeHint() const {
+    return {layout_.cardSize().width(), 0};
 }
 
 const CardLook& LibraryGrid::look() const {
@@ -110,6 +117,10 @@ void LibraryGrid::resizeEvent(QResizeEvent* event) {
 void LibraryGrid::changeEvent(QEvent* event) {
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
         look_.reset();
+    if (event->type() == QEvent::FontChange) {
+        layOut();
+        updateGeometry();
+    }
     QWidget::changeEvent(event);
 }
 
@@ -135,8 +146,7 @@ ButtonState LibraryGrid::buttonState(LibraryStop stop) const {
 }
 
 QSize LibraryGrid::previewBox() const {
-    const QSize area
-        = WidgetPreviewCard::previewRect(QRect(0, 0, LibraryLayout::cardWidth, LibraryLayout::CardHeight)).size();
+    const QSize area = WidgetPreviewCard::previewRect(QRect(QPoint(), layout_.cardSize())).size();
     return ((QSizeF(area) - QSizeF(2 * PreviewPadding, 2 * PreviewPadding)) * devicePixelRatioF()).toSize();
 }
 
@@ -268,7 +278,7 @@ void LibraryGrid::keyPressEvent(QKeyEvent* event) {
     const std::optional<LibraryMove> move = moveOf(event->key());
     if (!move)
         return QWidget::keyPressEvent(event);
-    const int rows = std::max(1, visibleRegion().boundingRect().height() / LibraryLayout::CardHeight);
+    const int rows = std::max(1, visibleRegion().boundingRect().height() / layout_.cardSize().height());
     setFocused(layout_.moved(focused_, *move, rows));
 }
 

@@ -30,6 +30,7 @@ public:
     LibraryStop focusedStop() const { return focused_; }
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
 

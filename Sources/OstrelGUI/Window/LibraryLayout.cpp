@@ -4,22 +4,16 @@
 
 namespace Ostrel {
 
-namespace {
-
-constexpr int RowHeight = LibraryLayout::CardHeight + LibraryLayout::cardSpacing;
-
-} // namespace
-
 void LibraryLayout::layOut(std::span<const std::size_t> counts, int width) {
     width_ = width;
-    columns_ = std::max(1, (width + cardSpacing) / (cardWidth + cardSpacing));
+    columns_ = std::max(1, (width + cardSpacing) / (cardSize_.width() + cardSpacing));
     groups_.clear();
     groups_.reserve(counts.size());
     int top = 0;
     std::size_t firstStop = 0;
     for (const std::size_t count : counts) {
         const int rows = (static_cast<int>(count) + columns_ - 1) / columns_;
-        const int bottom = top + HeaderHeight + rows * RowHeight;
+        const int bottom = top + HeaderHeight + rows * rowHeight();
         groups_.push_back({count, firstStop, top, bottom});
         top = bottom + GroupSpacing - cardSpacing;
         firstStop += count + 1;
@@ -33,8 +27,9 @@ QRect LibraryLayout::header(std::size_t group) const {
 QRect LibraryLayout::card(std::size_t group, std::size_t index) const {
     const int column = static_cast<int>(index) % columns_;
     const int row = static_cast<int>(index) / columns_;
-    return {
-        column * (cardWidth + cardSpacing), groups_[group].top + HeaderHeight + row * RowHeight, cardWidth, CardHeight};
+    const QPoint corner(
+        column * (cardSize_.width() + cardSpacing), groups_[group].top + HeaderHeight + row * rowHeight());
+    return {corner, cardSize_};
 }
 
 std::vector<LibraryLayout::VisibleGroup> LibraryLayout::visible(int top, int bottom) const {
@@ -45,8 +40,9 @@ std::vector<LibraryLayout::VisibleGroup> LibraryLayout::visible(int top, int bot
         const int cardsTop = group->top + HeaderHeight;
         const auto cardsBefore
             = [&](int rows) { return std::min(group->count, static_cast<std::size_t>(std::max(0, rows) * columns_)); };
-        const std::size_t first = cardsBefore((top - cardsTop) / RowHeight);
-        const std::size_t end = bottom <= cardsTop ? 0 : cardsBefore((bottom - cardsTop + RowHeight - 1) / RowHeight);
+        const std::size_t first = cardsBefore((top - cardsTop) / rowHeight());
+        const std::size_t end
+            = bottom <= cardsTop ? 0 : cardsBefore((bottom - cardsTop + rowHeight() - 1) / rowHeight());
         result.push_back({static_cast<std::size_t>(group - groups_.begin()), std::min(first, end), end});
     }
     return result;

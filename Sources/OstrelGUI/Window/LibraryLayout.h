@@ -28,6 +28,9 @@ public:
     static constexpr int HeaderHeight = 52;
     static constexpr int GroupSpacing = 20;
 
+    /// All cards are alike; `cardWidth` by `CardHeight` unless larger type needs more.
+    void setCardSize(QSize size) { cardSize_ = size; }
+    QSize cardSize() const { return cardSize_; }
     /// `counts`: the number of cards in each group.
     void layOut(std::span<const std::size_t> counts, int width);
 
@@ -65,6 +68,9 @@ private:
     std::optional<LibraryStop> movedByRow(LibraryStop stop, int direction) const;
 
     std::vector<Group> groups_;
+    int rowHeight() const { return cardSize_.height() + cardSpacing; }
+
+    QSize cardSize_{cardWidth, CardHeight};
     int width_ = 0;
     int columns_ = 1;
 };

@@ -111,6 +111,9 @@ void OpenPanel::hideWhatDoesNotBelong() {
             part->hide();
     }
     if (auto* buttons = findChild<QDialogButtonBox*>()) {
+        // Some desktops put pictures on them, which are not ours.
+        for (QAbstractButton* button : buttons->buttons())
+            button->setIcon({});
         acceptButton_ = buttons->button(QDialogButtonBox::Open);
         if (acceptButton_)
             acceptButton_->installEventFilter(this);

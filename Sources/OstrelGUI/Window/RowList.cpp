@@ -9,6 +9,7 @@ namespace Ostrel {
 namespace {
 
 constexpr double IconSide = 18;
+constexpr int AnyWidth = 320;
 constexpr double StatusIconSide = 16;
 
 } // namespace
@@ -31,7 +32,7 @@ struct RowList::Fonts {
 RowList::RowList(Shape shape, QWidget* parent)
     : QWidget(parent)
     , shape_(shape) {
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     useFonts();
@@ -66,8 +67,12 @@ int RowList::heightForWidth(int width) const {
 }
 
 QSize RowList::sizeHint() const {
-    constexpr int AnyWidth = 320;
     return {AnyWidth, heightForWidth(width() > 0 ? width() : AnyWidth)};
+}
+
+/// A height here would be kept to at every width.
+QSize RowList::minimumSizeHint() const {
+    return {AnyWidth / 2, 0};
 }
 
 void RowList::changeEvent(QEvent* event) {

@@ -31,6 +31,7 @@ public:
     void setRows(std::vector<Row> rows);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
 

@@ -186,8 +186,9 @@ void SidebarView::contextMenuEvent(QContextMenuEvent* event) {
 
 void SidebarView::resizeEvent(QResizeEvent* event) {
     QListView::resizeEvent(event);
-    // The sentence for an empty list wraps.
-    scheduleDelayedItemsLayout();
+    // Rows are as high at any width, but for the sentence of an empty list, which wraps.
+    if (!model_.scanOffset(model_.rowCount() - 1))
+        scheduleDelayedItemsLayout();
 }
 
 } // namespace Ostrel

@@ -1,6 +1,7 @@
 #include "OstrelGUI/Window/WidgetPreviewCard.h"
 
 #include "OstrelGUI/Window/Controls.h"
+#include "OstrelGUI/Window/LibraryLayout.h"
 #include "OstrelGUI/Window/QtText.h"
 
 #include <QPainter>
@@ -13,6 +14,7 @@ namespace {
 constexpr int PreviewHeight = 128;
 constexpr int Padding = 14;
 constexpr int ButtonHeight = 30;
+constexpr int ButtonPadding = 26;
 constexpr int StatusDot = 8;
 
 /// Widgets are made to stand on pictures, most of them in white: they show on a little dusk of their own.
@@ -58,8 +60,9 @@ void paintStatus(QPainter& painter, const QRect& line, const WidgetLibraryItem& 
     painter.drawEllipse(QRectF(line.left() + 1, line.center().y() - StatusDot / 2.0 + 0.5, StatusDot, StatusDot));
     painter.setFont(look.caption);
     painter.setPen(color);
-    painter.drawText(
-        line.adjusted(StatusDot + 8, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft, WidgetPreviewCard::statusText(item));
+    const QRect text = line.adjusted(StatusDot + 8, 0, -Metrics::Unit / 2, 0);
+    painter.drawText(text, Qt::AlignVCenter | Qt::AlignLeft,
+        look.captionMetrics.elidedText(WidgetPreviewCard::statusText(item), Qt::ElideRight, text.width()));
 }
 
 } // namespace
@@ -102,12 +105,26 @@ QString buttonTitle(const WidgetLibraryItem& item) {
     return item.isRendered ? QStringLiteral("Unrender") : QStringLiteral("Render");
 }
 
+QSize size(const CardLook& look) {
+    int width = LibraryLayout::cardWidth;
+    for (const bool isRendered : {false, true}) {
+        WidgetLibraryItem item;
+        item.isRendered = isRendered;
+        const int words = look.captionMetrics.horizontalAdvance(statusText(item))
+            + look.textMetrics.horizontalAdvance(buttonTitle(item));
+        width = std::max(width, words + StatusDot + 3 * Metrics::Unit + ButtonPadding + 2 * Padding);
+    }
+    const int texts = look.nameMetrics.height() + look.captionMetrics.height() + 1;
+    const int height = PreviewHeight + 3 * Padding + texts + ButtonHeight;
+    return {width, std::max(LibraryLayout::CardHeight, height)};
+}
+
 QRect previewRect(const QRect& card) {
     return {card.left(), card.top(), card.width(), PreviewHeight};
 }
 
 QRect buttonRect(const QRect& card, const WidgetLibraryItem& item, const CardLook& look) {
-    const int width = look.textMetrics.horizontalAdvance(buttonTitle(item)) + 26;
+    const int width = look.textMetrics.horizontalAdvance(buttonTitle(item)) + ButtonPadding;
     return {card.right() + 1 - Padding - width, card.bottom() + 1 - Padding - ButtonHeight, width, ButtonHeight};
 }
 

@@ -40,6 +40,8 @@ namespace WidgetPreviewCard {
 
 QString statusText(const WidgetLibraryItem& item);
 QString buttonTitle(const WidgetLibraryItem& item);
+/// Large enough for the words at the look's type size.
+QSize size(const CardLook& look);
 QRect previewRect(const QRect& card);
 QRect buttonRect(const QRect& card, const WidgetLibraryItem& item, const CardLook& look);
 /// The preview at the scale of the painter; null while it is being decoded, a null image when there is none.

@@ -4,7 +4,8 @@
 #include "OstrelGUI/Window/LibraryGrid.h"
 
 #include <QAccessible>
-#include <QLabel>
+#include <QScrollArea>
+#include <QScrollBar>
 
 namespace Ostrel {
 
@@ -160,6 +161,21 @@ TEST_F(LibraryPage, aPackIsDeletedOnlyWhenConfirmed) {
     library.deleteFailure = "";
     clickStop({1, std::nullopt});
     EXPECT_EQ(dialogs->asked.back(), "Unable to Remove Skin Pack|An unexpected error occurred.");
+}
+
+TEST_F(LibraryPage, scrollsOnlyWhenItMust) {
+    const QScrollBar* bar = nullptr;
+    for (const auto* page : window->findChildren<QScrollArea*>()) {
+        if (page->isAncestorOf(grid))
+            bar = page->verticalScrollBar();
+    }
+    ASSERT_NE(bar, nullptr);
+    library.setItems({libraryItem("Alpha", "a"), libraryItem("Alpha", "b"), libraryItem("Alpha", "c")});
+    EXPECT_TRUE(runLoopUntil([&] { return grid->groups().size() == 1 && bar->maximum() == 0; }));
+    window->resize(window->minimumSize());
+    EXPECT_TRUE(runLoopUntil([&] { return bar->maximum() > 0; }));
+    window->resize(980, 680);
+    EXPECT_TRUE(runLoopUntil([&] { return bar->maximum() == 0; }));
 }
 
 TEST_F(LibraryPage, followsTheLibrary) {

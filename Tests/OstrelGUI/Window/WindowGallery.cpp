@@ -198,10 +198,17 @@ struct Gallery {
     }
 };
 
+/// "Inter,11"
+void setFont(const QString& description) {
+    QFont font;
+    if (font.fromString(description))
+        QApplication::setFont(font);
+}
+
 int run(int count, char** values) {
     QApplication application(count, values);
     if (!qEnvironmentVariableIsEmpty("GALLERY_FONT"))
-        QApplication::setFont(QFont(qEnvironmentVariable("GALLERY_FONT"), 10));
+        setFont(qEnvironmentVariable("GALLERY_FONT"));
     const QStringList arguments = QApplication::arguments().mid(1);
     Gallery gallery;
     gallery.library.items = exampleItems(arguments.mid(1));
