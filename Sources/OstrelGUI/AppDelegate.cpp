@@ -38,6 +38,9 @@ void AppDelegate::applicationShouldHandleReopen() {
 
 void AppDelegate::openMainWindow() {
     window_.show();
+    // It could not be started. Better to end than to stay where nobody finds it.
+    if (!isReachable() && !hasWidgets())
+        terminate();
 }
 
 void AppDelegate::widgetDidStop() {

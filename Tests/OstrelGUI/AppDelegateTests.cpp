@@ -14,10 +14,11 @@ namespace {
 class FakeWindow final : public MainWindow {
 public:
     int shows = 0;
+    bool isBroken = false;
 
     void show() override {
         ++shows;
-        setVisible(true);
+        setVisible(!isBroken);
     }
     void open(std::span<const std::string>) override { show(); }
     void scan(std::span<const std::string>) override { }
@@ -134,6 +135,15 @@ TEST_F(AppDelegateTest, showsTheWindowWhenTheTrayGoesAndNothingElseIsThere) {
     tray.setShown(false);
     time.runFor(60);
     EXPECT_EQ(window.shows, 1);
+}
+
+TEST_F(AppDelegateTest, endsWhereNothingCanBeShown) {
+    window.isBroken = true;
+    launch();
+    time.runFor(60);
+    EXPECT_EQ(ends, 0) << "there are widgets";
+    stopWidget();
+    EXPECT_EQ(ends, 1);
 }
 
 TEST_F(AppDelegateTest, isNotMisledByAWidgetThatIsStartedAnew) {
