@@ -1,5 +1,6 @@
 #include "OstrelCore/SkinInput.h"
 #include "OstrelEngine/Measures/AudioLevelSpectrumSource.h"
+#include "OstrelEngine/Measures/MediaPlayerBridges.h"
 #include "OstrelEngine/Meters/DecodedPictureColors.h"
 #include "OstrelGUI/AppLaunchBootstrap.h"
 #include "OstrelGUI/BundlelessSystem.h"
@@ -10,12 +11,15 @@
 #include "OstrelGUI/StartEnvironment.h"
 #include "OstrelGUI/TerminationSignals.h"
 #include "OstrelPlatform/Linux/LinuxPlatform.h"
+#include "OstrelPlatform/Linux/LinuxPlayers.h"
 #include "OstrelPlatform/Linux/LinuxSound.h"
 #include "OstrelPlatform/Linux/LinuxTray.h"
 #include "OstrelPlatform/Linux/QSettingsUserDefaults.h"
 #include "OstrelPlatform/Linux/StartPages.h"
 #include "OstrelPlatform/Log.h"
 #include "OstrelPlatform/MainQueue.h"
+#include "OstrelPlatform/PlayerTransport.h"
+#include "OstrelPlatform/SerialQueue.h"
 
 #include <QGuiApplication>
 
@@ -70,6 +74,11 @@ int runFirst(int count, char** values, SingleInstance* instance, const OpenArgum
     DecodedPictureColors pictures;
     ports.pictures = &pictures;
     QSettingsUserDefaults defaults;
+    MediaPlayerBridges players({.makeTransport = [&ports] { return LinuxPlayers::makeTransport(ports); },
+        .makeQueue = LinuxPlayers::makeQueue,
+        .clock = ports.clock,
+        .log = logToStandardError});
+    ports.mediaPlayers = &players;
     // Not a quit, which panels could refuse as they refuse to be closed.
     const auto end = [] { QGuiApplication::exit(Done); };
     OstrelGUIApp* open = nullptr;

@@ -61,6 +61,8 @@ public:
     /// Never null.
     virtual Poll poll(const PlayerTarget& target) = 0;
     virtual Work perform(const PlayerTarget& target, const PlayerCommand& command) = 0;
+    /// Runs on the queue when nothing has been asked for some seconds: time to let go of what polls need.
+    virtual void rest() { }
 };
 
 } // namespace Ostrel

@@ -5,6 +5,7 @@
 #include "OstrelPlatform/PlayerTransport.h"
 #include "OstrelPlatform/SerialQueue.h"
 
+#include <atomic>
 #include <utility>
 
 namespace Ostrel {
@@ -16,9 +17,27 @@ constexpr double ClockRounding = 1e-6;
 
 } // namespace
 
+/// Written by the main thread, read on the queue.
+struct MediaPlayerBridge::Activity {
+    std::atomic<double> lastUse = 0;
+    /// Whether a piece on the queue is watching for the end of use.
+    std::atomic<bool> isWatched = false;
+
+    static void watch(
+        const std::shared_ptr<Activity>& activity, SerialQueue& queue, PlayerTransport& transport, const Clock& clock) {
+        queue.postAfter(RestInterval, [activity, &queue, &transport, &clock] {
+            if (clock.uptimeSeconds() - activity->lastUse < RestInterval)
+                return watch(activity, queue, transport, clock);
+            activity->isWatched = false;
+            transport.rest();
+        });
+    }
+};
+
 MediaPlayerBridge::MediaPlayerBridge(MacOSPlayer player, Environment environment)
     : player_(player)
-    , environment_(std::move(environment)) { }
+    , environment_(std::move(environment))
+    , activity_(std::make_shared<Activity>()) { }
 
 MediaPlayerBridge::~MediaPlayerBridge() {
     environment_.pollQueue.reset();
@@ -41,6 +60,7 @@ void MediaPlayerBridge::pollIfNeeded() {
     if (!keeper_->beginPoll())
         return;
     lastPollTime_ = now;
+    noteUse();
     environment_.pollQueue->post([keeper = keeper_, poll = environment_.transport->poll(target())] {
         keeper->handlePollResult(poll());
         keeper->endPoll();
@@ -51,8 +71,15 @@ void MediaPlayerBridge::executeCommand(std::string_view command, std::string_vie
     const auto resolved = PlayerCommandText::resolve(command, playerPath, *keeper_->snapshot());
     if (!resolved)
         return;
+    noteUse();
     if (auto work = environment_.transport->perform(target(), *resolved))
         environment_.pollQueue->post(std::move(work));
+}
+
+void MediaPlayerBridge::noteUse() {
+    activity_->lastUse = environment_.clock.uptimeSeconds();
+    if (!activity_->isWatched.exchange(true))
+        Activity::watch(activity_, *environment_.pollQueue, *environment_.transport, environment_.clock);
 }
 
 } // namespace Ostrel

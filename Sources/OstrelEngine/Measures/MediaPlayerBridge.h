@@ -22,6 +22,8 @@ class MediaPlayerBridge {
 public:
     /// Seconds.
     static constexpr double PollInterval = 0.14;
+    /// Seconds without a poll after which the transport may let go of what polls need.
+    static constexpr double RestInterval = 5;
     static constexpr std::string_view PollQueueLabel = "com.ostrel.mediaplayer";
 
     struct Environment {
@@ -47,13 +49,18 @@ public:
     void executeCommand(std::string_view command, std::string_view playerPath);
 
 private:
+    struct Activity;
+
     PlayerTarget target() const;
+    /// Has the transport rest when this was the last use for a while.
+    void noteUse();
 
     MacOSPlayer player_;
     // What runs on the queue holds the keeper for itself and refers to the transport, which the queue must not outlive.
     std::shared_ptr<MediaPlayerStateKeeper> keeper_ = std::make_shared<MediaPlayerStateKeeper>();
     Environment environment_;
     std::optional<double> lastPollTime_;
+    std::shared_ptr<Activity> activity_;
 };
 
 } // namespace Ostrel

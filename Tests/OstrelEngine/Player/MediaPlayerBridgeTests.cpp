@@ -76,10 +76,11 @@ TEST_F(MediaPlayerBridgeTests, pollsOnceAnInterval) {
     bridge->pollIfNeeded();
     clock.uptime = 5;
     bridge->pollIfNeeded();
-    EXPECT_EQ(queue->pendingCount(), 1U) << "none begins while one is under way";
     queue->runDue();
+    EXPECT_EQ(scripts.size(), 2U) << "none begins while one is under way";
     bridge->pollIfNeeded();
-    EXPECT_EQ(queue->pendingCount(), 1U) << "one that was refused does not count as the last";
+    queue->runDue();
+    EXPECT_EQ(scripts.size(), 3U) << "one that was refused does not count as the last";
 }
 
 TEST_F(MediaPlayerBridgeTests, sharesABridgeAndChoosesItsScript) {
@@ -202,6 +203,45 @@ TEST_F(MediaPlayerBridgeTests, knowsThePlayersOfSkins) {
         EXPECT_EQ(player(name), MacOSPlayer::spotify) << name;
     ASSERT_EQ(log.size(), 11U);
     EXPECT_EQ(log[0], "[NowPlaying] Player \"winamp\" is not available on macOS — using Spotify instead.");
+}
+
+TEST_F(MediaPlayerBridgeTests, restsWhenNobodyAsks) {
+    class RestingTransport final : public PlayerTransport {
+    public:
+        explicit RestingTransport(int& rests)
+            : rests_(rests) { }
+        Poll poll(const PlayerTarget&) override {
+            return [] { return std::nullopt; };
+        }
+        Work perform(const PlayerTarget&, const PlayerCommand&) override { return nullptr; }
+        void rest() override { ++rests_; }
+
+    private:
+        int& rests_;
+    };
+    int rests = 0;
+    MediaPlayerBridge resting(MacOSPlayer::appleMusic,
+        {.transport = std::make_unique<RestingTransport>(rests),
+            .pollQueue = makeQueue(),
+            .clock = clock,
+            .appNameOverride = [] { return std::nullopt; }});
+    const auto pass = [&](int seconds) {
+        for (int i = 0; i < seconds; ++i) {
+            clock.uptime += 1;
+            queue->runDue();
+        }
+    };
+    for (int i = 0; i < 12; ++i) {
+        resting.pollIfNeeded();
+        pass(1);
+    }
+    EXPECT_EQ(rests, 0);
+    pass(10);
+    EXPECT_EQ(rests, 1);
+    EXPECT_EQ(queue->pendingCount(), 0U) << "then nothing wakes the queue";
+    resting.executeCommand("play", "");
+    pass(10);
+    EXPECT_EQ(rests, 2);
 }
 
 /// A bridge may go while its player is being asked.

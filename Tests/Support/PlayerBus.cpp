@@ -1,0 +1,33 @@
+#include "Support/PlayerBus.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+
+namespace Ostrel {
+
+PlayerBus::PlayerBus() {
+    const auto socket = folder_.path() + "/bus";
+    const auto address = "unix:path=" + socket;
+    setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
+    daemon_.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--address=" + address});
+    comesTrue([&] { return std::filesystem::exists(socket); });
+}
+
+PlayerBus::~PlayerBus() {
+    unsetenv("DBUS_SESSION_BUS_ADDRESS");
+}
+
+std::string PlayerBus::playerctl(const std::string& arguments) const {
+    FILE* output = popen(("playerctl " + arguments + " 2>/dev/null").c_str(), "r");
+    std::string text;
+    for (int c = 0; output && (c = std::fgetc(output)) != EOF;)
+        text += static_cast<char>(c);
+    if (output)
+        pclose(output);
+    while (text.ends_with('\n'))
+        text.pop_back();
+    return text;
+}
+
+} // namespace Ostrel
