@@ -33,11 +33,12 @@ struct MprisTests : testing::Test {
     std::string poll(const PlayerTarget& target = {"Spotify", false}) {
         return transport.poll(target)().value_or("nothing");
     }
-    JSON state(const PlayerTarget& target = {"Spotify", false}) { return JSON::parse(poll(target), nullptr, false); }
-    std::string title(const PlayerTarget& target = {"Spotify", false}) {
-        const auto answer = state(target);
-        return answer.is_object() ? answer["title"].get<std::string>() : "-";
+    /// Empty when the answer is none with fields.
+    JSON state(const PlayerTarget& target = {"Spotify", false}) {
+        auto answer = JSON::parse(poll(target), nullptr, false);
+        return answer.is_object() ? answer : JSON::object();
     }
+    std::string title(const PlayerTarget& target = {"Spotify", false}) { return state(target).value("title", "-"); }
     void tell(const PlayerCommand& command, const PlayerTarget& target = {"Spotify", false}) {
         transport.perform(target, command)();
     }
