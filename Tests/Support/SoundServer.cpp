@@ -1,5 +1,7 @@
 #include "Support/SoundServer.h"
 
+#include "Support/ListeningSocket.h"
+
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -65,15 +67,14 @@ void SoundServer::startPulseAudio() {
 }
 
 void SoundServer::startPipeWire() {
-    const auto exists = [](const std::string& path) { return [=] { return std::filesystem::exists(path); }; };
     std::filesystem::remove(folder_.path() + "/bus");
     std::filesystem::remove(folder_.path() + "/pipewire-0");
     processes_.emplace_back(std::vector<std::string>{"dbus-daemon", "--session", "--nofork",
                                 "--address=unix:path=" + folder_.path() + "/bus"},
         environment());
-    comesTrue(exists(folder_.path() + "/bus"));
+    comesTrue([this] { return isListening(folder_.path() + "/bus"); });
     processes_.emplace_back(std::vector<std::string>{"pipewire"}, environment());
-    comesTrue(exists(folder_.path() + "/pipewire-0"));
+    comesTrue([this] { return isListening(folder_.path() + "/pipewire-0"); });
     processes_.emplace_back(std::vector<std::string>{"wireplumber"}, environment());
     processes_.emplace_back(std::vector<std::string>{"pipewire-pulse"}, environment());
     comesTrue([this] {

@@ -61,10 +61,16 @@ for word in "$@"; do words+="<$word>"; done
     echo "output=$OUTPUT"
     echo "errors=$(readlink /proc/$$/fd/2)"
     [ -e /proc/$$/fd/$LEAK ] && echo leaked=yes
-    grep '^Sig[BI]' /proc/$$/status | tr -d '\t' | tr : =
+    # Read by the shell itself: while it starts another program it blocks signals.
+    while IFS=$'\t' read -r key value; do
+        case $key in Sig[BI]*) echo "${key%:}=$value" ;; esac
+    done < /proc/self/status
 } > "$0.out"
 )sh");
-    const int leak = open("/dev/zero", O_RDONLY);
+    // A number that the shell does not use for itself.
+    const int zero = open("/dev/zero", O_RDONLY);
+    const int leak = fcntl(zero, F_DUPFD, 100);
+    close(zero);
     setenv("LEAK", std::to_string(leak).c_str(), 1);
     sigset_t blocked, before;
     sigemptyset(&blocked);

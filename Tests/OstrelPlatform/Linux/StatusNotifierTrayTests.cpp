@@ -2,6 +2,7 @@
 
 #include "OstrelPlatform/Linux/TrayBusTypes.h"
 #include "Support/ChildProcess.h"
+#include "Support/ListeningSocket.h"
 #include "Support/TemporaryFolder.h"
 
 #include <QCoreApplication>
@@ -15,7 +16,6 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
 
 namespace Ostrel {
 namespace {
@@ -79,7 +79,7 @@ protected:
         address = "unix:path=" + socket;
         bus = std::make_unique<ChildProcess>(
             std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--address=" + address});
-        ASSERT_TRUE(comesTrue([&] { return std::filesystem::exists(socket); }));
+        ASSERT_TRUE(comesTrue([&] { return isListening(socket); }));
         watcher = std::make_unique<FakeWatcher>(QString::fromStdString(address), QStringLiteral("watcher"));
         ASSERT_TRUE(comesTrue([&] { return watcher->connection.isConnected(); }));
     }
