@@ -16,7 +16,6 @@
 
 #include <gmock/gmock.h>
 
-
 namespace Ostrel {
 namespace {
 
