@@ -24,6 +24,7 @@ LinuxPlatform::LinuxPlatform()
           .fonts = fonts_,
           .remoteReader = remoteReader_,
           .workspace = &workspace_,
+          .appearance = &appearance_,
           .recycleManager = &recycleManager_} { }
 
 LinuxPlatform::~LinuxPlatform() = default;

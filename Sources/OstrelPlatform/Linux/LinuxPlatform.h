@@ -3,6 +3,7 @@
 #include "OstrelPlatform/Linux/FileSystemRecycleManagerBackend.h"
 #include "OstrelPlatform/Linux/FontconfigRegistrar.h"
 #include "OstrelPlatform/Linux/LazyRemoteReader.h"
+#include "OstrelPlatform/Linux/LinuxAppearance.h"
 #include "OstrelPlatform/Linux/LinuxClock.h"
 #include "OstrelPlatform/Linux/LinuxHostStatistics.h"
 #include "OstrelPlatform/Linux/LinuxWorkspace.h"
@@ -33,6 +34,7 @@ private:
     FontconfigRegistrar fonts_;
     LazyRemoteReader remoteReader_;
     LinuxWorkspace workspace_;
+    LinuxAppearance appearance_;
     QSettingsUserDefaults defaults_;
     FileSystemRecycleManagerBackend recycleManager_{workspace_};
     std::unique_ptr<DesktopPanels> desktopPanels_;

@@ -1,5 +1,6 @@
 #include "OstrelPlatform/Linux/LinuxTray.h"
 
+#include "OstrelPlatform/Linux/SessionBus.h"
 #include "OstrelPlatform/Linux/StatusNotifierTray.h"
 #include "OstrelPlatform/Linux/XEmbedTray.h"
 
@@ -14,7 +15,7 @@ void LinuxTray::start() {
     embedded_ = XEmbedTray::create(content_);
     if (embedded_)
         pass(*embedded_);
-    if (const auto address = StatusNotifierTray::sessionBusAddress())
+    if (const auto address = sessionBusAddress())
         notifier_ = StatusNotifierTray::create(content_, *address);
     if (!notifier_)
         return didChange();

@@ -10,7 +10,6 @@
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVirtualObject>
-#include <QFileInfo>
 #include <QPoint>
 #include <QTimer>
 
@@ -191,17 +190,6 @@ private:
     QDBusConnection connection_;
     QDBusServiceWatcher watchers_;
 };
-
-std::optional<std::string> StatusNotifierTray::sessionBusAddress() {
-    const auto address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
-    if (!address.isEmpty())
-        return address.startsWith("autolaunch:") ? std::nullopt : std::optional(address.toStdString());
-    const auto folder = qgetenv("XDG_RUNTIME_DIR");
-    const auto socket = folder + "/bus";
-    if (folder.isEmpty() || !QFileInfo::exists(QString::fromLocal8Bit(socket)))
-        return std::nullopt;
-    return "unix:path=" + socket.toStdString();
-}
 
 std::unique_ptr<StatusNotifierTray> StatusNotifierTray::create(TrayContent content, const std::string& busAddress) {
     registerAll();

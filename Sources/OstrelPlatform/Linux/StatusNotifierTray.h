@@ -18,10 +18,6 @@ public:
     /// Once: when it has become clear whether the desktop has such a tray now. Not if it is clear already.
     std::function<void()> onDecided;
 
-    /// Of the user's session; absent when the environment names none and there is none where it would be. None is
-    /// started.
-    static std::optional<std::string> sessionBusAddress();
-
 private:
     class Item;
     explicit StatusNotifierTray(std::unique_ptr<Item> item);
