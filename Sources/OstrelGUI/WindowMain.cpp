@@ -4,6 +4,7 @@
 #include "OstrelGUI/ScannerViewModel.h"
 #include "OstrelGUI/Window/ContentView.h"
 #include "OstrelGUI/Window/WindowDialogs.h"
+#include "OstrelPlatform/Linux/LinuxAppearance.h"
 #include "OstrelPlatform/Linux/LinuxHostStatistics.h"
 #include "OstrelPlatform/Linux/QtMainQueue.h"
 
@@ -73,7 +74,7 @@ private:
     void make() {
         // The override is set where the widgets are, by the setting that the channel carries there.
         view_ = std::make_unique<ContentView>(ContentView::Dependencies{
-            client_.library(), scans_, client_.defaults(), nullptr, [](const auto&) {}, nullptr});
+            client_.library(), scans_, client_.defaults(), &appearance_, [](const auto&) {}, nullptr});
         view_->onVisibilityChange = [this](bool isVisible) { visibilityDidChange(isVisible); };
     }
 
@@ -85,6 +86,7 @@ private:
     }
 
     WindowClient& client_;
+    LinuxAppearance appearance_;
     ScannerViewModel scans_;
     std::unique_ptr<ContentView> view_;
 };

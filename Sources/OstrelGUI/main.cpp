@@ -93,9 +93,7 @@ int runFirst(int count, char** values, SingleInstance* instance, const OpenArgum
     app.start(arguments);
     ports.mainQueue.postAfter(TrayDelaySeconds, [&] {
         tray.start();
-        // For measurements, which run where there is no tray.
-        if (!qEnvironmentVariableIsSet("OSTREL_WIDGETS_ONLY"))
-            app.didFinishLaunching();
+        app.didFinishLaunching();
     });
     ports.mainQueue.postAfter(SecondsUntilStarted, releaseStartPages);
     if (instance)

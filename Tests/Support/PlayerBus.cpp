@@ -2,33 +2,11 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace Ostrel {
 
-namespace {
-
-/// The socket is a file before anyone listens to it.
-bool isListening(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    const int handle = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const bool connected = connect(handle, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    close(handle);
-    return connected;
-}
-
-} // namespace
-
 PlayerBus::PlayerBus() {
-    const auto socketFile = folder_.path() + "/bus";
-    const auto address = "unix:path=" + socketFile;
-    setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
-    daemon_.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--address=" + address});
-    comesTrue([&] { return isListening(socketFile); });
+    setenv("DBUS_SESSION_BUS_ADDRESS", bus_.address().c_str(), 1);
 }
 
 PlayerBus::~PlayerBus() {

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "Support/ChildProcess.h"
+#include "Support/PrivateBus.h"
 #include "Support/TemporaryFolder.h"
 
 #include <chrono>
-#include <functional>
-#include <optional>
 #include <string>
 #include <thread>
 
@@ -23,7 +21,7 @@ public:
 
 private:
     TemporaryFolder folder_;
-    std::optional<ChildProcess> daemon_;
+    PrivateBus bus_;
 };
 
 /// Waits for what has to become true; false when it does not within a bearable time.

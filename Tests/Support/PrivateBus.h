@@ -1,10 +1,10 @@
 #pragma once
 
 #include "Support/ChildProcess.h"
+#include "Support/ListeningSocket.h"
 #include "Support/TemporaryFolder.h"
 
 #include <chrono>
-#include <filesystem>
 #include <thread>
 
 namespace Ostrel {
@@ -18,7 +18,7 @@ public:
     PrivateBus()
         : process_({"dbus-daemon", "--session", "--nofork", "--address=" + address()}) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!std::filesystem::exists(socket()) && std::chrono::steady_clock::now() < end)
+        while (!isListening(socket()) && std::chrono::steady_clock::now() < end)
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
 

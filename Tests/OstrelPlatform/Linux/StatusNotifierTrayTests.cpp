@@ -1,9 +1,7 @@
 #include "OstrelPlatform/Linux/StatusNotifierTray.h"
 
 #include "OstrelPlatform/Linux/TrayBusTypes.h"
-#include "Support/ChildProcess.h"
-#include "Support/ListeningSocket.h"
-#include "Support/TemporaryFolder.h"
+#include "Support/PrivateBus.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -72,13 +70,10 @@ public:
 class StatusNotifierTrayTest : public testing::Test {
 protected:
     void SetUp() override {
-        if (!hasProgram("dbus-daemon"))
+        if (!PrivateBus::isPossible())
             GTEST_SKIP() << "dbus-daemon not found";
-        const auto socket = folder.path() + "/bus";
-        address = "unix:path=" + socket;
-        bus = std::make_unique<ChildProcess>(
-            std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--address=" + address});
-        ASSERT_TRUE(comesTrue([&] { return isListening(socket); }));
+        bus = std::make_unique<PrivateBus>();
+        address = bus->address();
         watcher = std::make_unique<FakeWatcher>(QString::fromStdString(address), QStringLiteral("watcher"));
         ASSERT_TRUE(comesTrue([&] { return watcher->connection.isConnected(); }));
     }
@@ -122,9 +117,8 @@ protected:
         return comesTrue([&] { return done.size() >= count; });
     }
 
-    TemporaryFolder folder;
     std::string address;
-    std::unique_ptr<ChildProcess> bus;
+    std::unique_ptr<PrivateBus> bus;
     std::unique_ptr<FakeWatcher> watcher;
     std::unique_ptr<StatusNotifierTray> tray;
     std::vector<std::string> done;
