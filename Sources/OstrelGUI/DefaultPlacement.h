@@ -12,6 +12,8 @@ public:
     /// The primary screen's size, and how many widgets will ask.
     DefaultPlacement(Size screen, std::size_t count);
 
+    /// Whether they are too many to stand beside each other.
+    bool isGrid() const { return isGrid_; }
     /// The origin of the next widget: its bottom left corner, y upward.
     Point next(Size widget);
 

@@ -8,8 +8,9 @@
 
 namespace Ostrel {
 
-/// Where each widget opens that nobody has placed: widgets that are opened together as `DefaultPlacement` has it, one
-/// that is opened alone at the first place of that order that no such widget still stands on.
+/// Where each widget opens that nobody has placed: many that are opened together in the grid of `DefaultPlacement`, all
+/// others where no such widget still stands, from the default origin to the right and then upward. When the screen has
+/// no such place left, they cover others a little aside.
 class WidgetPlacement {
 public:
     /// The primary screen's size, asked each time.
@@ -23,7 +24,8 @@ public:
     Point choose(Size widget, const std::vector<Point>& running);
 
 private:
-    Point firstFree(Size widget) const;
+    std::optional<Point> freePlace(Size widget) const;
+    Point firstThatCoversNoneWhole(Size widget) const;
 
     std::function<Size()> screen_;
     std::optional<DefaultPlacement> together_;

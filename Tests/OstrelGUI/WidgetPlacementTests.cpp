@@ -17,10 +17,12 @@ protected:
     std::vector<Point> running;
 };
 
-TEST_F(WidgetPlacementTest, opensOneAloneAtTheFirstFreePlace) {
+TEST_F(WidgetPlacementTest, opensEachAtTheFirstFreePlace) {
     EXPECT_EQ(open({300, 100}), (Point{100, 100}));
-    EXPECT_EQ(open({200, 100}), (Point{540, 100})) << "two steps of its own width to pass the first";
-    EXPECT_EQ(open({900, 50}), (Point{100, 240})) << "no room in the row";
+    EXPECT_EQ(open({200, 300}), (Point{420, 100}));
+    EXPECT_EQ(open({900, 50}), (Point{100, 420})) << "no room in the row, nor above the first";
+    EXPECT_EQ(open({300, 90}), (Point{640, 100}));
+    EXPECT_EQ(open({300, 180}), (Point{100, 210})) << "above the first, beside the high one";
     running.erase(running.begin());
     EXPECT_EQ(open({250, 90}), (Point{100, 100})) << "the first was stopped or moved away";
 }
@@ -33,11 +35,10 @@ TEST_F(WidgetPlacementTest, neverCoversAnotherWhole) {
     }
 }
 
-TEST_F(WidgetPlacementTest, setsThoseThatAreOpenedTogetherBesideEachOther) {
+TEST_F(WidgetPlacementTest, setsManyThatAreOpenedTogetherIntoAGrid) {
     open({300, 100});
     placement.beginTogether(2);
-    EXPECT_EQ(open({100, 100}), (Point{100, 100}));
-    EXPECT_EQ(open({100, 100}), (Point{220, 100}));
+    EXPECT_EQ(open({100, 100}), (Point{420, 100})) << "a few do not cover what is there";
     placement.beginTogether(12);
     EXPECT_EQ(open({100, 100}), (Point{20, 680})) << "many make a grid";
     placement.endTogether();
