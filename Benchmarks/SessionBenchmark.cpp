@@ -2,9 +2,9 @@
 // store; what one change costs in a library of a thousand; and how long a session takes to read.
 
 #include "OstrelCore/Numbers.h"
-#include "OstrelGUI/OstrelSessionStore.h"
-#include "OstrelGUI/SessionCoding.h"
-#include "OstrelGUI/SessionLibraryItems.h"
+#include "OstrelGUI/Session/OstrelSessionStore.h"
+#include "OstrelGUI/Session/SessionCoding.h"
+#include "OstrelGUI/Session/SessionLibraryItems.h"
 #include "OstrelPlatform/Linux/QSettingsUserDefaults.h"
 #include "Support/TemporaryFolder.h"
 

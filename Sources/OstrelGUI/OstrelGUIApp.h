@@ -2,8 +2,8 @@
 
 #include "OstrelEngine/WidgetManager.h"
 #include "OstrelGUI/AppDelegate.h"
-#include "OstrelGUI/OstrelSessionController.h"
-#include "OstrelGUI/SessionWidgetLibrary.h"
+#include "OstrelGUI/Session/OstrelSessionController.h"
+#include "OstrelGUI/Session/SessionWidgetLibrary.h"
 #include "OstrelGUI/WidgetPlacement.h"
 #include "OstrelGUI/WindowProcess.h"
 

@@ -1,8 +1,8 @@
 // A session of any bytes: what is decoded reads back the same once written, and the change that leads to it from
 // nothing gives it. The same bytes as changes, one a line, leave a session that can be written.
 
-#include "OstrelGUI/SessionCoding.h"
-#include "OstrelGUI/SessionReplay.h"
+#include "OstrelGUI/Session/SessionCoding.h"
+#include "OstrelGUI/Session/SessionReplay.h"
 
 #include "OstrelCore/Text.h"
 

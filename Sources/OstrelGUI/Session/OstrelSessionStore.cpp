@@ -1,8 +1,8 @@
-#include "OstrelGUI/OstrelSessionStore.h"
+#include "OstrelGUI/Session/OstrelSessionStore.h"
 
-#include "OstrelGUI/SessionCoding.h"
-#include "OstrelGUI/SessionJournal.h"
-#include "OstrelGUI/SessionReplay.h"
+#include "OstrelGUI/Session/SessionCoding.h"
+#include "OstrelGUI/Session/SessionJournal.h"
+#include "OstrelGUI/Session/SessionReplay.h"
 #include "OstrelPlatform/ThreadSerialQueue.h"
 #include "OstrelPlatform/UserDefaults.h"
 

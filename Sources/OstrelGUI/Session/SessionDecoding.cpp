@@ -1,8 +1,8 @@
-#include "OstrelGUI/SessionDecoding.h"
+#include "OstrelGUI/Session/SessionDecoding.h"
 
 #include "OstrelEngine/Widget/WidgetRuntimeStateJSON.h"
-#include "OstrelGUI/DetachedPictures.h"
-#include "OstrelGUI/SessionCoding.h"
+#include "OstrelGUI/Session/DetachedPictures.h"
+#include "OstrelGUI/Session/SessionCoding.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,8 +1,8 @@
-#include "OstrelGUI/DetachedPictures.h"
+#include "OstrelGUI/Session/DetachedPictures.h"
 
 #include "OstrelCore/Numbers.h"
 #include "OstrelCore/Text.h"
-#include "OstrelGUI/Base64.h"
+#include "OstrelGUI/Session/Base64.h"
 
 namespace Ostrel {
 

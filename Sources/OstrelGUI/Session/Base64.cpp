@@ -1,4 +1,4 @@
-#include "OstrelGUI/Base64.h"
+#include "OstrelGUI/Session/Base64.h"
 
 #include <array>
 #include <cstdint>

@@ -1,7 +1,7 @@
-#include "OstrelGUI/SessionReplay.h"
+#include "OstrelGUI/Session/SessionReplay.h"
 
-#include "OstrelGUI/DetachedPictures.h"
-#include "OstrelGUI/SessionDecoding.h"
+#include "OstrelGUI/Session/DetachedPictures.h"
+#include "OstrelGUI/Session/SessionDecoding.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,7 +1,7 @@
-#include "OstrelGUI/OstrelSessionStore.h"
+#include "OstrelGUI/Session/OstrelSessionStore.h"
 
-#include "OstrelGUI/SessionCoding.h"
-#include "OstrelGUI/SessionReplay.h"
+#include "OstrelGUI/Session/SessionCoding.h"
+#include "OstrelGUI/Session/SessionReplay.h"
 #include "OstrelPlatform/InMemoryUserDefaults.h"
 #include "OstrelPlatform/Linux/QSettingsUserDefaults.h"
 #include "Support/TemporaryFolder.h"

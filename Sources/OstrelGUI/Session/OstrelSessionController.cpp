@@ -1,10 +1,10 @@
-#include "OstrelGUI/OstrelSessionController.h"
+#include "OstrelGUI/Session/OstrelSessionController.h"
 
 #include "OstrelCore/FileProvider.h"
 #include "OstrelCore/SkinLoader.h"
 #include "OstrelEngine/Widget/WidgetController.h"
 #include "OstrelEngine/WidgetManager.h"
-#include "OstrelGUI/PackRemoval.h"
+#include "OstrelGUI/Session/PackRemoval.h"
 #include "OstrelGUI/SessionPaths.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "OstrelGUI/OstrelSessionState.h"
+#include "OstrelGUI/Session/OstrelSessionState.h"
 
 #include <algorithm>
 

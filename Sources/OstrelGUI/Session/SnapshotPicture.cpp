@@ -1,6 +1,6 @@
-#include "OstrelGUI/SnapshotPicture.h"
+#include "OstrelGUI/Session/SnapshotPicture.h"
 
-#include "OstrelGUI/Base64.h"
+#include "OstrelGUI/Session/Base64.h"
 
 #include <cerrno>
 #include <unistd.h>

@@ -1,11 +1,11 @@
-#include "OstrelGUI/OstrelSessionController.h"
+#include "OstrelGUI/Session/OstrelSessionController.h"
 
 #include "OstrelCore/FileProvider.h"
 #include "OstrelCore/SkinLoader.h"
 #include "OstrelEngine/Host/FakeDesktop.h"
 #include "OstrelEngine/Widget/WidgetController.h"
 #include "OstrelEngine/WidgetManager.h"
-#include "OstrelGUI/SessionWidgetLibrary.h"
+#include "OstrelGUI/Session/SessionWidgetLibrary.h"
 #include "OstrelGUI/WidgetPreferences.h"
 #include "OstrelPlatform/InMemoryUserDefaults.h"
 #include "Support/FakePlatform.h"

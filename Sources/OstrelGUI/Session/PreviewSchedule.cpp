@@ -1,4 +1,4 @@
-#include "OstrelGUI/PreviewSchedule.h"
+#include "OstrelGUI/Session/PreviewSchedule.h"
 
 #include "OstrelPlatform/Clock.h"
 #include "OstrelPlatform/MainQueue.h"

@@ -2,7 +2,7 @@
 
 #include "OstrelEngine/Geometry.h"
 #include "OstrelEngine/Widget/WidgetRuntimeState.h"
-#include "OstrelGUI/SnapshotPicture.h"
+#include "OstrelGUI/Session/SnapshotPicture.h"
 
 #include <cstddef>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "OstrelGUI/SessionJournal.h"
+#include "OstrelGUI/Session/SessionJournal.h"
 
 #include "OstrelCore/Numbers.h"
 #include "OstrelCore/Paths.h"

@@ -1,4 +1,4 @@
-#include "OstrelGUI/SessionCoding.h"
+#include "OstrelGUI/Session/SessionCoding.h"
 
 #include "OstrelEngine/Widget/WidgetRuntimeStateJSON.h"
 

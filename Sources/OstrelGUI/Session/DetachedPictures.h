@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OstrelGUI/SnapshotPicture.h"
+#include "OstrelGUI/Session/SnapshotPicture.h"
 
 #include <string>
 #include <string_view>

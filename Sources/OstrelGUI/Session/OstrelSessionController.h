@@ -1,9 +1,9 @@
 #pragma once
 
-#include "OstrelGUI/OstrelSessionState.h"
-#include "OstrelGUI/OstrelSessionStore.h"
-#include "OstrelGUI/PreviewSchedule.h"
-#include "OstrelGUI/SessionLibraryItems.h"
+#include "OstrelGUI/Session/OstrelSessionState.h"
+#include "OstrelGUI/Session/OstrelSessionStore.h"
+#include "OstrelGUI/Session/PreviewSchedule.h"
+#include "OstrelGUI/Session/SessionLibraryItems.h"
 #include "OstrelGUI/WidgetLibraryItem.h"
 
 #include <functional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OstrelGUI/OstrelSessionState.h"
+#include "OstrelGUI/Session/OstrelSessionState.h"
 
 #include <nlohmann/json_fwd.hpp>
 

@@ -1,4 +1,4 @@
-#include "OstrelGUI/PackRemoval.h"
+#include "OstrelGUI/Session/PackRemoval.h"
 
 #include "OstrelCore/Paths.h"
 

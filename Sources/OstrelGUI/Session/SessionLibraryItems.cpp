@@ -1,4 +1,4 @@
-#include "OstrelGUI/SessionLibraryItems.h"
+#include "OstrelGUI/Session/SessionLibraryItems.h"
 
 #include "OstrelCore/Paths.h"
 #include "OstrelGUI/SessionPaths.h"

@@ -1,9 +1,9 @@
-#include "OstrelGUI/SessionWidgetLibrary.h"
+#include "OstrelGUI/Session/SessionWidgetLibrary.h"
 
 #include "OstrelCore/FileProvider.h"
 #include "OstrelCore/SkinLoader.h"
 #include "OstrelEngine/WidgetManager.h"
-#include "OstrelGUI/OstrelSessionController.h"
+#include "OstrelGUI/Session/OstrelSessionController.h"
 
 namespace Ostrel {
 
