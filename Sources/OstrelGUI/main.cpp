@@ -36,7 +36,7 @@ enum ExitStatus { Done = 0, NothingLoaded = 1 };
 /// The first pictures are on the screen by then, and are not held up by the bus.
 constexpr double TrayDelaySeconds = 0.15;
 /// By then the widgets have drawn and ticked.
-constexpr double SecondsUntilStarted = 2.5;
+constexpr double SecondsUntilStarted = 1.5;
 
 /// Qt's way to say that there is no display is to abort.
 void report(QtMsgType type, const QMessageLogContext&, const QString& text) {
