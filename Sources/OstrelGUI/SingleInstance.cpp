@@ -1,5 +1,7 @@
 #include "OstrelGUI/SingleInstance.h"
 
+#include "OstrelCore/Numbers.h"
+
 #include <QSocketNotifier>
 #include <QTimer>
 
@@ -247,7 +249,7 @@ std::optional<std::string> SingleInstance::privateFolder(
     const std::optional<std::string>& runtimeFolder, const std::string& temporaryFolder) {
     if (runtimeFolder && runtimeFolder->starts_with('/') && isPrivateFolder(*runtimeFolder))
         return runtimeFolder;
-    auto folder = temporaryFolder + "/ostrel-" + std::to_string(geteuid());
+    auto folder = temporaryFolder + "/ostrel-" + formatInteger(geteuid());
     // Somebody else may have made it first: then it is not ours.
     mkdir(folder.c_str(), S_IRWXU);
     return isPrivateFolder(folder) ? std::optional(std::move(folder)) : std::nullopt;

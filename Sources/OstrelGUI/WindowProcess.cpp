@@ -1,5 +1,6 @@
 #include "OstrelGUI/WindowProcess.h"
 
+#include "OstrelCore/Numbers.h"
 #include "OstrelCore/SkinInput.h"
 #include "OstrelGUI/Channel/WindowServer.h"
 #include "OstrelPlatform/MainQueue.h"
@@ -35,7 +36,7 @@ pid_t spawn(const std::string& program, int channel) {
     // Also takes the mark off with which it would be closed.
     posix_spawn_file_actions_adddup2(&actions, channel, ChannelDescriptor);
     std::string name = program;
-    std::string argument = std::to_string(ChannelDescriptor);
+    std::string argument = formatInteger(ChannelDescriptor);
     char* const arguments[] = {name.data(), argument.data(), nullptr};
     pid_t process = -1;
     const int failure = posix_spawn(&process, program.c_str(), &actions, nullptr, arguments, environ);

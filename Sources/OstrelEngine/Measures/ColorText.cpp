@@ -1,5 +1,6 @@
 #include "OstrelEngine/Measures/ColorText.h"
 
+#include "OstrelCore/Numbers.h"
 #include "OstrelPlatform/RGBColor.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@ namespace Ostrel {
 namespace {
 
 std::string channelText(double component) {
-    return std::to_string(std::lround(std::clamp(component, 0.0, 1.0) * 255));
+    return formatInteger(std::lround(std::clamp(component, 0.0, 1.0) * 255));
 }
 
 } // namespace

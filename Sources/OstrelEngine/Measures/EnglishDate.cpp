@@ -1,5 +1,7 @@
 #include "OstrelEngine/Measures/EnglishDate.h"
 
+#include "OstrelCore/Numbers.h"
+
 #include <algorithm>
 #include <array>
 
@@ -15,7 +17,7 @@ constexpr std::array<std::string_view, 12> Months = {"January", "February", "Mar
     "August", "September", "October", "November", "December"};
 
 void appendNumber(int number, int width, std::string& text) {
-    const auto digits = std::to_string(number);
+    const auto digits = formatInteger(number);
     text.append(static_cast<std::size_t>(std::max(0, width - static_cast<int>(digits.size()))), '0');
     text += digits;
 }

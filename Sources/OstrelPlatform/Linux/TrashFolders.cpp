@@ -1,5 +1,6 @@
 #include "OstrelPlatform/Linux/TrashFolders.h"
 
+#include "OstrelCore/Numbers.h"
 #include "OstrelCore/Paths.h"
 #include "OstrelCore/Text.h"
 
@@ -79,7 +80,7 @@ private:
 
 TrashFolders::TrashFolders(TrashPlaces places)
     : places_(std::move(places))
-    , user_(std::to_string(places_.user))
+    , user_(formatInteger(places_.user))
     , mounts_(places_.mountInfoFile) { }
 
 std::vector<TrashFolder> TrashFolders::resolve(std::string_view drives) {

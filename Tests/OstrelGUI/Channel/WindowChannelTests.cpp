@@ -3,11 +3,11 @@
 #include "OstrelGUI/Channel/WindowClient.h"
 #include "OstrelGUI/Channel/WindowServer.h"
 #include "OstrelPlatform/VirtualTime.h"
+#include "Support/EventLoop.h"
 
 #include "FakeWidgetLibrary.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -33,17 +33,6 @@ std::string frame(std::string_view text, std::string_view blob = {}) {
         for (int i = 0; i < 4; ++i)
             bytes += static_cast<char>(size >> 8 * i & 0xff);
     return bytes.append(text).append(blob);
-}
-
-/// Lets the event loop run until the condition holds.
-template <typename Condition> bool comesTrue(const Condition& condition) {
-    QElapsedTimer patience;
-    for (patience.start(); patience.elapsed() < 10'000;) {
-        if (condition())
-            return true;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
-    }
-    return condition();
 }
 
 TEST(FrameReader, putsFramesTogetherHoweverTheyAreCut) {
@@ -89,7 +78,7 @@ TEST(WindowChannel, keepsOrderAndContentWhenThePeerIsSlow) {
         EXPECT_EQ(message.at("n"), got.size());
         got.push_back(bytes.size());
     };
-    ASSERT_TRUE(comesTrue([&] { return got.size() == 10; }));
+    ASSERT_TRUE(runLoopUntil([&] { return got.size() == 10; }));
     for (std::size_t i = 0; i < got.size(); ++i)
         EXPECT_EQ(got[i], i % 2 ? blob->size() : 0);
     EXPECT_EQ(sender.queuedBytes(), 0u);
@@ -110,7 +99,7 @@ TEST(WindowChannel, endsOnceByWhateverThePeerDoes) {
         ASSERT_EQ(::send(far.get(), bytes.data(), bytes.size(), 0), static_cast<ssize_t>(bytes.size()));
         if (bytes != garbage)
             far.reset();
-        ASSERT_TRUE(comesTrue([&] { return ends > 0; }));
+        ASSERT_TRUE(runLoopUntil([&] { return ends > 0; }));
         channel.send({{"n", 1}});
         QCoreApplication::processEvents();
         EXPECT_EQ(ends, 1);
@@ -128,7 +117,7 @@ TEST(WindowChannel, givesUpOnAPeerThatTakesNothing) {
     for (std::size_t i = 0; i * blob->size() <= WindowChannel::LongestQueue; ++i)
         channel.send({{"n", i}}, blob);
     EXPECT_FALSE(hasEnded) << "from within a call of send";
-    EXPECT_TRUE(comesTrue([&] { return hasEnded; }));
+    EXPECT_TRUE(runLoopUntil([&] { return hasEnded; }));
     EXPECT_EQ(channel.queuedBytes(), 0u);
     channel.send({{"n", 1}}, std::make_shared<const std::string>(MessageFrames::LongestBlob + 1, 'x'));
 }
@@ -155,7 +144,7 @@ protected:
     }
 
     template <typename Condition> bool comes(const Condition& condition) {
-        return comesTrue([&] {
+        return runLoopUntil([&] {
             residentTime.runQueued();
             windowTime.runFor(0.01);
             return condition();

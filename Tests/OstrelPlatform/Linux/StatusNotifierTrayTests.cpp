@@ -1,6 +1,7 @@
 #include "OstrelPlatform/Linux/StatusNotifierTray.h"
 
 #include "OstrelPlatform/Linux/TrayBusTypes.h"
+#include "Support/EventLoop.h"
 #include "Support/PrivateBus.h"
 
 #include <QCoreApplication>
@@ -9,7 +10,6 @@
 #include <QDBusObjectPath>
 #include <QDBusPendingCall>
 #include <QDBusVirtualObject>
-#include <QElapsedTimer>
 #include <QPoint>
 
 #include <gmock/gmock.h>
@@ -24,16 +24,6 @@ const QString WatcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString ItemInterface = QStringLiteral("org.kde.StatusNotifierItem");
 const QString MenuInterface = QStringLiteral("com.canonical.dbusmenu");
 const QString PropertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
-
-template <typename Condition> bool comesTrue(const Condition& condition) {
-    QElapsedTimer patience;
-    for (patience.start(); patience.elapsed() < 10'000;) {
-        if (condition())
-            return true;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
-    }
-    return condition();
-}
 
 /// The desktop's list of tray items, which a panel may or may not show.
 class FakeWatcher final : public QDBusVirtualObject {
@@ -75,7 +65,7 @@ protected:
         bus = std::make_unique<PrivateBus>();
         address = bus->address();
         watcher = std::make_unique<FakeWatcher>(QString::fromStdString(address), QStringLiteral("watcher"));
-        ASSERT_TRUE(comesTrue([&] { return watcher->connection.isConnected(); }));
+        ASSERT_TRUE(runLoopUntil([&] { return watcher->connection.isConnected(); }));
     }
 
     void makeTray() {
@@ -99,7 +89,7 @@ protected:
         auto message = QDBusMessage::createMethodCall(watcher->items.value(0), path, interface, method);
         message.setArguments(arguments);
         const auto pending = watcher->connection.asyncCall(message);
-        EXPECT_TRUE(comesTrue([&] { return pending.isFinished(); }));
+        EXPECT_TRUE(runLoopUntil([&] { return pending.isFinished(); }));
         return pending.reply();
     }
     QVariant property(const QString& path, const QString& interface, const QString& name) {
@@ -114,7 +104,7 @@ protected:
         return call(QStringLiteral("/MenuBar"), MenuInterface, QLatin1String(method), arguments);
     }
     bool isDone(std::size_t count) {
-        return comesTrue([&] { return done.size() >= count; });
+        return runLoopUntil([&] { return done.size() >= count; });
     }
 
     std::string address;
@@ -214,7 +204,7 @@ TEST_F(StatusNotifierTrayTest, livesOnWithoutTheBus) {
     makeTray();
     ASSERT_TRUE(isDone(2));
     bus.reset();
-    ASSERT_TRUE(comesTrue([&] { return !watcher->connection.isConnected(); }));
+    ASSERT_TRUE(runLoopUntil([&] { return !watcher->connection.isConnected(); }));
     EXPECT_FALSE(StatusNotifierTray::create({}, "unix:path=/nowhere"));
 }
 
