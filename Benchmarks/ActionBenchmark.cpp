@@ -1,18 +1,23 @@
 // What a skin's reactions cost: an action string, a tick full of conditions, the pointer over a crowded widget, and a
 // key written back into a long file. Nothing is painted.
 
-#include "OstrelCore/AtomicFile.h"
-#include "OstrelCore/FileProvider.h"
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/SkinLoader.h"
-#include "OstrelEngine/Widget/CanvasInput.h"
-#include "OstrelEngine/Widget/INIFileWriter.h"
-#include "OstrelEngine/Widget/SkinRuntime.h"
+#include "OstrelCore/Documents/FileProvider.h"
+#include "OstrelCore/Documents/SkinLoader.h"
+#include "OstrelCore/Files/AtomicFile.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelEngine/Actions/INIFileWriter.h"
+#include "OstrelEngine/Host/CanvasInput.h"
+#include "OstrelEngine/Runtime/SkinRuntime.h"
 #include "Support/FakePlatform.h"
 #include "Support/TemporaryFolder.h"
 
 #include <QGuiApplication>
 #include <benchmark/benchmark.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace Ostrel {
 

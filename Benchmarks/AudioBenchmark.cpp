@@ -3,15 +3,17 @@
 // transform, by medians.
 
 #include "Comparison.h"
-#include "OstrelAudio/Tones.h"
-#include "OstrelEngine/Measures/SpectrumAnalyzer.h"
-#include "OstrelEngine/Measures/SpectrumBands.h"
+#include "OstrelEngine/Sound/SpectrumAnalyzer.h"
+#include "OstrelEngine/Sound/SpectrumBands.h"
+#include "OstrelEngine/Sound/Tones.h"
 
 #include <kiss_fftr.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <memory>
+#include <vector>
 
 namespace Ostrel {
 

@@ -2,7 +2,7 @@
 // in a heap it already has. Both run in alternating batches of one run; `faster` is the ratio of their medians.
 
 #include "OstrelEngine/Measures/CalcMeasure.h"
-#include "OstrelEngine/Widget/NumericExpression.h"
+#include "OstrelEngine/Runtime/NumericExpression.h"
 
 #include <benchmark/benchmark.h>
 #include <duktape.h>

@@ -2,8 +2,8 @@
 // moods meet both and neither cleans up after the other's use of the heap.
 
 #include "Comparison.h"
-#include "OstrelCore/SkinLoader.h"
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Documents/SkinLoader.h"
+#include "OstrelCore/Text/Text.h"
 
 #include <benchmark/benchmark.h>
 #include <glib.h>

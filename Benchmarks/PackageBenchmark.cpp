@@ -2,21 +2,23 @@
 // against its loading.
 
 #include "Comparison.h"
-#include "OstrelCore/CompatScanner.h"
-#include "OstrelCore/FileDescriptor.h"
-#include "OstrelCore/FileProvider.h"
-#include "OstrelCore/PackageExtractor.h"
-#include "OstrelCore/SkinLoader.h"
-#include "OstrelCore/SkinPathResolver.h"
+#include "OstrelCore/Documents/FileProvider.h"
+#include "OstrelCore/Documents/SkinLoader.h"
+#include "OstrelCore/Files/FileDescriptor.h"
+#include "OstrelCore/Packages/PackageExtractor.h"
+#include "OstrelCore/Packages/SkinPathResolver.h"
+#include "OstrelCore/Report/CompatScanner.h"
 #include "Support/TemporaryFolder.h"
 
 #include <fcntl.h>
 #include <filesystem>
+#include <optional>
 #include <random>
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace Ostrel {
 

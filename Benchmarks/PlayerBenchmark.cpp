@@ -3,12 +3,17 @@
 // medians; "polls" are those of one interval.
 
 #include "Comparison.h"
-#include "OstrelEngine/Measures/MediaPlayerBridge.h"
-#include "OstrelEngine/Measures/MediaPlayerBridges.h"
 #include "OstrelEngine/Measures/NowPlayingMeasure.h"
+#include "OstrelEngine/Players/MediaPlayerBridge.h"
+#include "OstrelEngine/Players/MediaPlayerBridges.h"
 #include "OstrelPlatform/PlayerTransport.h"
 #include "OstrelPlatform/VirtualSerialQueue.h"
 #include "Support/FakePlatform.h"
+
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
 
 namespace Ostrel {
 

@@ -3,7 +3,7 @@
 
 #include "Comparison.h"
 #include "OstrelEngine/Meters/ImageAverage.h"
-#include "OstrelPlatform/Linux/FileSystemRecycleManagerBackend.h"
+#include "OstrelPlatform/Linux/Files/FileSystemRecycleManagerBackend.h"
 #include "Support/FakeWorkspace.h"
 #include "Support/TemporaryFolder.h"
 
@@ -13,6 +13,9 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace Ostrel {
 

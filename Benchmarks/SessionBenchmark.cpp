@@ -1,16 +1,18 @@
 // What remembering costs: one move of a widget in a session of a hundred with pictures, against the same without a
 // store; what one change costs in a library of a thousand; and how long a session takes to read.
 
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelGUI/Session/OstrelSessionStore.h"
 #include "OstrelGUI/Session/SessionCoding.h"
 #include "OstrelGUI/Session/SessionLibraryItems.h"
-#include "OstrelPlatform/Linux/QSettingsUserDefaults.h"
+#include "OstrelPlatform/Linux/Desktop/QSettingsUserDefaults.h"
 #include "Support/TemporaryFolder.h"
 
 #include <benchmark/benchmark.h>
 
+#include <memory>
 #include <random>
+#include <string>
 
 namespace Ostrel {
 

@@ -16,6 +16,11 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
 namespace Ostrel {
 
 namespace {

@@ -1,13 +1,14 @@
 #include "OstrelCLI/CalcCommand.h"
 
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Measures/CalcMeasure.h"
-#include "OstrelEngine/Widget/MeasureTable.h"
-#include "OstrelEngine/Widget/RuntimeExpressions.h"
+#include "OstrelEngine/Runtime/MeasureTable.h"
+#include "OstrelEngine/Runtime/RuntimeExpressions.h"
 
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Ostrel::CalcCommand {

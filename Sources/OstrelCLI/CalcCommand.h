@@ -2,6 +2,8 @@
 
 #include "OstrelCLI/Command.h"
 
+#include <string_view>
+
 namespace Ostrel::CalcCommand {
 
 inline constexpr std::string_view Usage = "ostrel calc [--expression] [TEXT...]";

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OstrelCore/SkinInput.h"
+#include "OstrelCore/Packages/SkinInput.h"
 
 #include <span>
 #include <string>

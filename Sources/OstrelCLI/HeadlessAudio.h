@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OstrelEngine/Measures/AudioLevelSpectrumSource.h"
-#include "OstrelEngine/Measures/WavFile.h"
+#include "OstrelEngine/Sound/AudioLevelSpectrumSource.h"
+#include "OstrelEngine/Sound/WavFile.h"
 
 #include <optional>
 #include <string>

@@ -1,13 +1,15 @@
 #include "OstrelCLI/HeadlessPlayer.h"
 
-#include "OstrelCore/Text.h"
-#include "OstrelEngine/Measures/AppleScriptCommands.h"
+#include "OstrelCore/Text/Text.h"
+#include "OstrelPlatform/Mac/AppleScriptCommands.h"
 #include "OstrelPlatform/PlayerTransport.h"
 #include "OstrelPlatform/VirtualSerialQueue.h"
 #include "OstrelPlatform/VirtualTime.h"
 
 #include <array>
 #include <fstream>
+#include <memory>
+#include <optional>
 
 namespace Ostrel {
 

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "OstrelEngine/Measures/MediaPlayerBridges.h"
+#include "OstrelEngine/Players/MediaPlayerBridges.h"
 
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 

@@ -2,10 +2,11 @@
 
 #include "OstrelCLI/Command.h"
 #include "OstrelCLI/SkinInput.h"
-#include "OstrelEngine/Widget/CanvasWiring.h"
+#include "OstrelEngine/Host/CanvasWiring.h"
 
 #include <algorithm>
 #include <chrono>
+#include <string>
 #include <thread>
 #include <utility>
 

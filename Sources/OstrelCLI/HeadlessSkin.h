@@ -5,19 +5,20 @@
 #include "OstrelCLI/HeadlessPlayer.h"
 #include "OstrelCLI/RecordingWorkspace.h"
 #include "OstrelCLI/SparedTrash.h"
+#include "OstrelEngine/Host/CanvasInput.h"
 #include "OstrelEngine/Meters/DecodedPictureColors.h"
-#include "OstrelEngine/Widget/CanvasInput.h"
-#include "OstrelEngine/Widget/SkinRuntime.h"
-#include "OstrelPlatform/Linux/FileSystemRecycleManagerBackend.h"
-#include "OstrelPlatform/Linux/FontconfigRegistrar.h"
-#include "OstrelPlatform/Linux/LazyRemoteReader.h"
-#include "OstrelPlatform/Linux/LinuxHostStatistics.h"
+#include "OstrelEngine/Runtime/SkinRuntime.h"
+#include "OstrelPlatform/Linux/Desktop/FontconfigRegistrar.h"
+#include "OstrelPlatform/Linux/Files/FileSystemRecycleManagerBackend.h"
+#include "OstrelPlatform/Linux/Host/LinuxHostStatistics.h"
+#include "OstrelPlatform/Linux/Web/LazyRemoteReader.h"
 #include "OstrelPlatform/Platform.h"
 #include "OstrelPlatform/VirtualTime.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace Ostrel {

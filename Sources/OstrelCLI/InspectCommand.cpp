@@ -1,9 +1,10 @@
 #include "OstrelCLI/InspectCommand.h"
 
 #include "OstrelCLI/JSON.h"
-#include "OstrelCore/SkinInput.h"
+#include "OstrelCore/Packages/SkinInput.h"
 
 #include <iostream>
+#include <string>
 
 namespace Ostrel::InspectCommand {
 

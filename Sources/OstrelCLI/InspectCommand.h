@@ -2,6 +2,8 @@
 
 #include "OstrelCLI/Command.h"
 
+#include <string_view>
+
 namespace Ostrel::InspectCommand {
 
 inline constexpr std::string_view Usage = "ostrel inspect SKIN";

@@ -1,7 +1,8 @@
 #include "OstrelCLI/Instant.h"
 
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text/Numbers.h"
 
+#include <algorithm>
 #include <chrono>
 
 namespace Ostrel {

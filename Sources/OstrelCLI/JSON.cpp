@@ -1,6 +1,6 @@
 #include "OstrelCLI/JSON.h"
 
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text/Numbers.h"
 
 #include <array>
 #include <charconv>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OstrelCore/CaseInsensitiveDictionary.h"
+#include "OstrelCore/Text/CaseInsensitiveDictionary.h"
 
 #include <nlohmann/json.hpp>
 

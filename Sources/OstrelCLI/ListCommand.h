@@ -2,6 +2,8 @@
 
 #include "OstrelCLI/Command.h"
 
+#include <string_view>
+
 namespace Ostrel::ListCommand {
 
 inline constexpr std::string_view Usage = "ostrel list PATH...";

@@ -3,6 +3,8 @@
 #include "OstrelPlatform/Workspace.h"
 
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace Ostrel {
 

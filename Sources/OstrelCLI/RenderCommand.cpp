@@ -4,18 +4,21 @@
 #include "OstrelCLI/RenderOptions.h"
 #include "OstrelCLI/Scenario.h"
 #include "OstrelCLI/TextInput.h"
-#include "OstrelCore/AtomicFile.h"
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Files/AtomicFile.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelEngine/Host/BackgroundOptions.h"
+#include "OstrelEngine/Host/PanelPlacement.h"
+#include "OstrelEngine/Host/WidgetCanvas.h"
 #include "OstrelEngine/Meters/Painting.h"
-#include "OstrelEngine/Widget/BackgroundOptions.h"
-#include "OstrelEngine/Widget/PanelPlacement.h"
-#include "OstrelEngine/Widget/WidgetCanvas.h"
 
 #include <QBuffer>
 #include <QImage>
 #include <QPainter>
 
 #include <cmath>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace Ostrel::RenderCommand {
 

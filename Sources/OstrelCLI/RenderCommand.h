@@ -2,6 +2,8 @@
 
 #include "OstrelCLI/Command.h"
 
+#include <string_view>
+
 namespace Ostrel::RenderCommand {
 
 inline constexpr std::string_view Usage = "ostrel render [--ticks N] [--scenario FILE] [--scale S] "

@@ -1,8 +1,8 @@
 #include "OstrelCLI/RenderOptions.h"
 
 #include "OstrelCLI/Instant.h"
-#include "OstrelCore/Numbers.h"
-#include "OstrelEngine/ColorParser.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelEngine/Meters/ColorParser.h"
 
 namespace Ostrel {
 

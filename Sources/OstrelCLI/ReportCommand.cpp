@@ -1,11 +1,13 @@
 #include "OstrelCLI/ReportCommand.h"
 
 #include "OstrelCLI/SkinInput.h"
-#include "OstrelCore/CompatReportFormatter.h"
-#include "OstrelCore/CompatScanner.h"
+#include "OstrelCore/Report/CompatReportFormatter.h"
+#include "OstrelCore/Report/CompatScanner.h"
 
 #include <algorithm>
 #include <iostream>
+#include <string_view>
+#include <vector>
 
 namespace Ostrel::ReportCommand {
 

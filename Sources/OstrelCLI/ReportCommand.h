@@ -2,6 +2,8 @@
 
 #include "OstrelCLI/Command.h"
 
+#include <string_view>
+
 namespace Ostrel::ReportCommand {
 
 inline constexpr std::string_view Usage = "ostrel report [--json] PATH...";

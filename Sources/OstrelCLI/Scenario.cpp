@@ -1,8 +1,8 @@
 #include "OstrelCLI/Scenario.h"
 
 #include "OstrelCLI/HeadlessSkin.h"
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelCore/Text/Text.h"
 
 #include <array>
 #include <cmath>

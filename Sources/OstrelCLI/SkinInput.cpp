@@ -1,6 +1,6 @@
 #include "OstrelCLI/SkinInput.h"
 
-#include "OstrelCore/SkinPathResolver.h"
+#include "OstrelCore/Packages/SkinPathResolver.h"
 
 namespace Ostrel {
 

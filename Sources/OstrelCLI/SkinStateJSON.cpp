@@ -1,7 +1,7 @@
 #include "OstrelCLI/SkinStateJSON.h"
 
 #include "OstrelEngine/Meters/StringMeter.h"
-#include "OstrelEngine/Widget/SkinRuntime.h"
+#include "OstrelEngine/Runtime/SkinRuntime.h"
 
 namespace Ostrel {
 

@@ -1,6 +1,7 @@
 #include "OstrelCLI/SparedTrash.h"
 
 #include <algorithm>
+#include <string>
 
 namespace Ostrel {
 

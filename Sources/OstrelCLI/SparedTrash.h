@@ -3,6 +3,7 @@
 #include "OstrelPlatform/RecycleManagerBackend.h"
 
 #include <map>
+#include <string>
 
 namespace Ostrel {
 

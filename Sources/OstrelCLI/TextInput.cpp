@@ -1,6 +1,6 @@
 #include "OstrelCLI/TextInput.h"
 
-#include "OstrelCore/FileProvider.h"
+#include "OstrelCore/Documents/FileProvider.h"
 
 #include <iostream>
 #include <iterator>

@@ -7,7 +7,11 @@
 #include "OstrelCLI/TextInput.h"
 
 #include <iostream>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace Ostrel::TraceCommand {
 

@@ -2,6 +2,8 @@
 
 #include "OstrelCLI/Command.h"
 
+#include <string_view>
+
 namespace Ostrel::TraceCommand {
 
 inline constexpr std::string_view Usage = "ostrel trace [--now TIME] SKIN [SCENARIO]";

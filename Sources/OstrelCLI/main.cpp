@@ -8,6 +8,8 @@
 
 #include <array>
 #include <iostream>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace Ostrel {

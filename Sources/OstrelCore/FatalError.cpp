@@ -1,6 +1,6 @@
 #include "OstrelCore/FatalError.h"
 
-#include "OstrelCore/SkinInput.h"
+#include "OstrelCore/Packages/SkinInput.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #include "OstrelGUI/OpenArguments.h"
 
-#include "OstrelCore/Paths.h"
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Files/Paths.h"
+#include "OstrelCore/Text/Text.h"
 
 #include <filesystem>
 

@@ -1,8 +1,8 @@
 #include "OstrelGUI/OstrelGUIApp.h"
 
-#include "OstrelCore/SkinInput.h"
-#include "OstrelEngine/Measures/MediaPlayerBridges.h"
-#include "OstrelEngine/Widget/WidgetController.h"
+#include "OstrelCore/Packages/SkinInput.h"
+#include "OstrelEngine/Host/WidgetController.h"
+#include "OstrelEngine/Players/MediaPlayerBridges.h"
 #include "OstrelGUI/Channel/SharedSettings.h"
 #include "OstrelGUI/OpenArguments.h"
 #include "OstrelGUI/WidgetPreferences.h"

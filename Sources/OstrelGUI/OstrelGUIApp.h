@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OstrelEngine/WidgetManager.h"
+#include "OstrelEngine/Host/WidgetManager.h"
 #include "OstrelGUI/AppDelegate.h"
 #include "OstrelGUI/Session/OstrelSessionController.h"
 #include "OstrelGUI/Session/SessionWidgetLibrary.h"

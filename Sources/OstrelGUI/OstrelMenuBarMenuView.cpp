@@ -1,9 +1,12 @@
 #include "OstrelGUI/OstrelMenuBarMenuView.h"
 
-#include "OstrelEngine/Widget/ContextMenu.h"
+#include "OstrelEngine/Host/ContextMenu.h"
 #include "OstrelGUI/OstrelIcon.h"
 
 #include <QImage>
+
+#include <functional>
+#include <vector>
 
 namespace Ostrel {
 

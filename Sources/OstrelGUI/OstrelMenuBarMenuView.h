@@ -4,6 +4,7 @@
 
 #include <QPoint>
 
+#include <functional>
 #include <memory>
 
 namespace Ostrel {

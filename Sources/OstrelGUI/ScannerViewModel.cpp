@@ -1,11 +1,11 @@
 #include "OstrelGUI/ScannerViewModel.h"
 
-#include "OstrelCore/CompatReportFormatter.h"
-#include "OstrelCore/CompatScanner.h"
-#include "OstrelCore/FileProvider.h"
-#include "OstrelCore/Paths.h"
-#include "OstrelCore/SkinLoader.h"
-#include "OstrelCore/SkinPathResolver.h"
+#include "OstrelCore/Documents/FileProvider.h"
+#include "OstrelCore/Documents/SkinLoader.h"
+#include "OstrelCore/Files/Paths.h"
+#include "OstrelCore/Packages/SkinPathResolver.h"
+#include "OstrelCore/Report/CompatReportFormatter.h"
+#include "OstrelCore/Report/CompatScanner.h"
 #include "OstrelGUI/ScanWorkers.h"
 #include "OstrelPlatform/MainQueue.h"
 

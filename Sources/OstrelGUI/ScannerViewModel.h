@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OstrelCore/CompatReport.h"
-#include "OstrelCore/Diagnostic.h"
+#include "OstrelCore/Documents/Diagnostic.h"
+#include "OstrelCore/Report/CompatReport.h"
 
 #include <cstdint>
 #include <functional>

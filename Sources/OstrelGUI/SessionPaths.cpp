@@ -1,8 +1,8 @@
 #include "OstrelGUI/SessionPaths.h"
 
-#include "OstrelCore/FolderTree.h"
-#include "OstrelCore/Paths.h"
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Files/FolderTree.h"
+#include "OstrelCore/Files/Paths.h"
+#include "OstrelCore/Text/Text.h"
 
 #include <filesystem>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "OstrelGUI/SingleInstance.h"
 
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text/Numbers.h"
 
 #include <QSocketNotifier>
 #include <QTimer>

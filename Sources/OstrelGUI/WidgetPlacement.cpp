@@ -1,6 +1,6 @@
 #include "OstrelGUI/WidgetPlacement.h"
 
-#include "OstrelEngine/Widget/WidgetController.h"
+#include "OstrelEngine/Host/WidgetController.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "OstrelGUI/WidgetPreferences.h"
 
 #include "OstrelCore/UserPreferenceKeys.h"
-#include "OstrelEngine/WidgetManager.h"
+#include "OstrelEngine/Host/WidgetManager.h"
 #include "OstrelPlatform/UserDefaults.h"
 
 namespace Ostrel {

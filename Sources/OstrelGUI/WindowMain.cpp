@@ -1,12 +1,12 @@
-#include "OstrelCore/SkinInput.h"
+#include "OstrelCore/Packages/SkinInput.h"
 #include "OstrelGUI/Channel/WindowClient.h"
 #include "OstrelGUI/OstrelIcon.h"
 #include "OstrelGUI/ScannerViewModel.h"
 #include "OstrelGUI/Window/ContentView.h"
 #include "OstrelGUI/Window/WindowDialogs.h"
-#include "OstrelPlatform/Linux/LinuxAppearance.h"
-#include "OstrelPlatform/Linux/LinuxHostStatistics.h"
-#include "OstrelPlatform/Linux/QtMainQueue.h"
+#include "OstrelPlatform/Linux/Desktop/LinuxAppearance.h"
+#include "OstrelPlatform/Linux/Host/LinuxHostStatistics.h"
+#include "OstrelPlatform/Linux/Time/QtMainQueue.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -18,6 +18,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <optional>
 
 #include <sys/socket.h>

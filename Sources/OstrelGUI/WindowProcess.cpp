@@ -1,7 +1,7 @@
 #include "OstrelGUI/WindowProcess.h"
 
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/SkinInput.h"
+#include "OstrelCore/Packages/SkinInput.h"
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelGUI/Channel/WindowServer.h"
 #include "OstrelPlatform/MainQueue.h"
 

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "OstrelCore/FileDescriptor.h"
+#include "OstrelCore/Files/FileDescriptor.h"
 #include "OstrelGUI/MainWindow.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 

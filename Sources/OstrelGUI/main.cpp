@@ -1,21 +1,19 @@
-#include "OstrelCore/SkinInput.h"
-#include "OstrelEngine/Measures/AudioLevelSpectrumSource.h"
-#include "OstrelEngine/Measures/MediaPlayerBridges.h"
+#include "OstrelCore/Packages/SkinInput.h"
 #include "OstrelEngine/Meters/DecodedPictureColors.h"
-#include "OstrelGUI/AppLaunchBootstrap.h"
-#include "OstrelGUI/BundlelessSystem.h"
+#include "OstrelEngine/Players/MediaPlayerBridges.h"
+#include "OstrelEngine/Sound/AudioLevelSpectrumSource.h"
 #include "OstrelGUI/OpenArguments.h"
 #include "OstrelGUI/OstrelGUIApp.h"
 #include "OstrelGUI/OstrelMenuBarMenuView.h"
 #include "OstrelGUI/SingleInstance.h"
 #include "OstrelGUI/StartEnvironment.h"
 #include "OstrelGUI/TerminationSignals.h"
+#include "OstrelPlatform/Linux/Desktop/QSettingsUserDefaults.h"
 #include "OstrelPlatform/Linux/LinuxPlatform.h"
-#include "OstrelPlatform/Linux/LinuxPlayers.h"
-#include "OstrelPlatform/Linux/LinuxSound.h"
-#include "OstrelPlatform/Linux/LinuxTray.h"
-#include "OstrelPlatform/Linux/QSettingsUserDefaults.h"
+#include "OstrelPlatform/Linux/Players/LinuxPlayers.h"
+#include "OstrelPlatform/Linux/Sound/LinuxSound.h"
 #include "OstrelPlatform/Linux/StartPages.h"
+#include "OstrelPlatform/Linux/Tray/LinuxTray.h"
 #include "OstrelPlatform/Log.h"
 #include "OstrelPlatform/MainQueue.h"
 #include "OstrelPlatform/PlayerTransport.h"
@@ -25,7 +23,10 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace Ostrel {
 
@@ -104,8 +105,6 @@ int runFirst(int count, char** values, SingleInstance* instance, const OpenArgum
 }
 
 int run(int count, char** values) {
-    BundlelessSystem system;
-    AppLaunchBootstrap::relaunchAsAppBundleIfNeeded(system);
     const std::vector<std::string> given(values + 1, values + count);
     const auto arguments = OpenArguments::sort(given);
     for (const auto& path : arguments.unreadable)

@@ -1,5 +1,7 @@
 #include "OstrelPlatform/InMemoryUserDefaults.h"
 
+#include <optional>
+
 namespace Ostrel {
 
 namespace {

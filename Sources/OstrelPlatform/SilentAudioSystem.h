@@ -3,6 +3,11 @@
 #include "OstrelPlatform/AudioTap.h"
 #include "OstrelPlatform/SerialQueue.h"
 
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace Ostrel {

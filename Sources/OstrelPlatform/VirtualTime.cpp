@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
 #include <limits>
+#include <memory>
 
 namespace Ostrel {
 

@@ -4,6 +4,8 @@
 #include "OstrelPlatform/MainQueue.h"
 
 #include <deque>
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <thread>

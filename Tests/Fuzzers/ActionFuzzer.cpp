@@ -1,8 +1,9 @@
-#include "OstrelEngine/Widget/ActionGrammar.h"
-#include "OstrelEngine/Widget/GroupNames.h"
-#include "OstrelEngine/Widget/INILineEditor.h"
-#include "OstrelEngine/Widget/SkinFileTargets.h"
+#include "OstrelEngine/Actions/ActionGrammar.h"
+#include "OstrelEngine/Actions/INILineEditor.h"
+#include "OstrelEngine/Actions/SkinFileTargets.h"
+#include "OstrelEngine/Runtime/GroupNames.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <string>

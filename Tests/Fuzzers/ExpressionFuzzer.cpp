@@ -1,4 +1,4 @@
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/CalcMeasure.h"
 
 #include <cmath>

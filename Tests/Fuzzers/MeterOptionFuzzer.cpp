@@ -1,9 +1,10 @@
-#include "OstrelCore/Text.h"
-#include "OstrelEngine/ColorParser.h"
+#include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/PositionParser.h"
+#include "OstrelEngine/Meters/ColorParser.h"
 #include "OstrelEngine/Meters/ShapeParser.h"
-#include "OstrelEngine/PositionParser.h"
-#include "OstrelEngine/TextFormatter.h"
+#include "OstrelEngine/Meters/TextFormatter.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,6 @@
-#include "OstrelCore/Text.h"
-#include "OstrelEngine/Widget/BracketReferences.h"
-#include "OstrelEngine/Widget/ExpressionText.h"
+#include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Runtime/BracketReferences.h"
+#include "OstrelEngine/Runtime/ExpressionText.h"
 
 #include <cmath>
 #include <cstdint>

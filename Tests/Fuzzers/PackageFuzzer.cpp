@@ -1,7 +1,7 @@
 // A package of any bytes: it is unpacked or refused within its limits, and nothing appears beside the destination.
 
-#include "OstrelCore/FileDescriptor.h"
-#include "OstrelCore/PackageExtractor.h"
+#include "OstrelCore/Files/FileDescriptor.h"
+#include "OstrelCore/Packages/PackageExtractor.h"
 
 #include <cstdint>
 #include <cstdlib>

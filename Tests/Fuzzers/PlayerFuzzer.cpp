@@ -1,6 +1,6 @@
-#include "OstrelEngine/Measures/AppleScriptCommands.h"
-#include "OstrelEngine/Measures/MediaPlayerPayload.h"
-#include "OstrelEngine/Measures/PlayerCommandText.h"
+#include "OstrelEngine/Players/MediaPlayerPayload.h"
+#include "OstrelEngine/Players/PlayerCommandText.h"
+#include "OstrelPlatform/Mac/AppleScriptCommands.h"
 
 #include <cmath>
 #include <cstdlib>

@@ -1,12 +1,12 @@
 // A skin of any bytes: it loads, its report can be written in both forms, and the hand-written searches in its values
 // find what their regular expressions find.
 
-#include "OstrelCore/CompatPatterns.h"
-#include "OstrelCore/CompatReportFormatter.h"
-#include "OstrelCore/CompatScanner.h"
-#include "OstrelCore/FileProvider.h"
-#include "OstrelCore/SkinLoader.h"
-#include "OstrelCore/TextDecoding.h"
+#include "OstrelCore/Documents/FileProvider.h"
+#include "OstrelCore/Documents/SkinLoader.h"
+#include "OstrelCore/Documents/TextDecoding.h"
+#include "OstrelCore/Report/CompatPatterns.h"
+#include "OstrelCore/Report/CompatReportFormatter.h"
+#include "OstrelCore/Report/CompatScanner.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -4,7 +4,7 @@
 #include "OstrelGUI/Session/SessionCoding.h"
 #include "OstrelGUI/Session/SessionReplay.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 
 #include <cstdint>
 #include <cstdlib>

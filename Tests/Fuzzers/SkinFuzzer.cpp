@@ -1,5 +1,5 @@
-#include "OstrelCore/SkinLoader.h"
-#include "OstrelCore/TextDecoding.h"
+#include "OstrelCore/Documents/SkinLoader.h"
+#include "OstrelCore/Documents/TextDecoding.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "OstrelEngine/Measures/WavFile.h"
+#include "OstrelEngine/Sound/WavFile.h"
 
 #include <cstdlib>
 #include <sstream>

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <limits>
 #include <numbers>

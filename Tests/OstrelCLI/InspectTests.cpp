@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <gtest/gtest.h>
+
 namespace Ostrel {
 
 TEST(Inspect, printsTheLoadedSkin) {

@@ -2,6 +2,8 @@
 #include "Support/TemporaryFolder.h"
 #include "Support/ZipBuilder.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <gmock/gmock.h>
 

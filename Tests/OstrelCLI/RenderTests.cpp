@@ -4,6 +4,7 @@
 #include <QImage>
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace Ostrel {
 namespace {

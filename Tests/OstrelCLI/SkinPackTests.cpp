@@ -1,6 +1,8 @@
 #include "Support/CommandLine.h"
 #include "Support/TemporaryFolder.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>

@@ -3,6 +3,7 @@
 #include "Support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <filesystem>
 

@@ -3,6 +3,9 @@
 #include "OstrelPlatform/VirtualTime.h"
 #include "Support/TemporaryFolder.h"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <thread>

@@ -1,7 +1,9 @@
 #include "OstrelGUI/SessionPaths.h"
 
-#include "OstrelCore/Paths.h"
+#include "OstrelCore/Files/Paths.h"
 #include "Support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
 
 #include <filesystem>
 

@@ -6,7 +6,9 @@
 #include <QElapsedTimer>
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <future>

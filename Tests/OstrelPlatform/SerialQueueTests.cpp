@@ -3,6 +3,7 @@
 #include "OstrelPlatform/VirtualSerialQueue.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <future>
 

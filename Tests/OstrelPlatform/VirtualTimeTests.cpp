@@ -1,6 +1,7 @@
 #include "OstrelPlatform/VirtualTime.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <thread>
 

@@ -7,6 +7,7 @@
 #include "OstrelPlatform/VirtualTime.h"
 
 #include <map>
+#include <optional>
 #include <string>
 
 namespace Ostrel {

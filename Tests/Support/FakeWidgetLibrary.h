@@ -5,6 +5,9 @@
 #include <QBuffer>
 #include <QImage>
 
+#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 

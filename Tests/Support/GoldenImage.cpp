@@ -2,6 +2,9 @@
 
 #include <QColor>
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 

@@ -5,6 +5,7 @@
 #include "Support/TemporaryFolder.h"
 
 #include <chrono>
+#include <string>
 #include <thread>
 
 namespace Ostrel {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "OstrelCore/FileProvider.h"
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/SkinLoader.h"
-#include "OstrelEngine/Widget/SkinRuntime.h"
+#include "OstrelCore/Documents/FileProvider.h"
+#include "OstrelCore/Documents/SkinLoader.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelEngine/Runtime/SkinRuntime.h"
 #include "Support/FakePlatform.h"
 
 #include <memory>

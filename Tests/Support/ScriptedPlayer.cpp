@@ -1,6 +1,6 @@
 #include "Support/ScriptedPlayer.h"
 
-#include "OstrelPlatform/Linux/BusValue.h"
+#include "OstrelPlatform/Linux/Players/BusValue.h"
 
 #include <dbus/dbus.h>
 

@@ -1,6 +1,7 @@
 #include <QApplication>
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 int main(int count, char** values) {
     testing::InitGoogleMock(&count, values);

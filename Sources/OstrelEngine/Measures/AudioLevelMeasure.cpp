@@ -1,14 +1,15 @@
 #include "OstrelEngine/Measures/AudioLevelMeasure.h"
 
-#include "OstrelCore/Numbers.h"
-#include "OstrelEngine/Measures/AudioLevelSpectrumSource.h"
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Measures/CalcMeasure.h"
 #include "OstrelEngine/Measures/IntegerConversion.h"
+#include "OstrelEngine/Sound/AudioLevelSpectrumSource.h"
 #include "OstrelPlatform/Clock.h"
 #include "OstrelPlatform/Platform.h"
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 namespace Ostrel {
 

@@ -1,7 +1,8 @@
 #include "OstrelEngine/Measures/CPUMeasure.h"
 
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text/Numbers.h"
 
+#include <string>
 #include <utility>
 
 namespace Ostrel {

@@ -4,6 +4,7 @@
 #include "OstrelPlatform/HostStatistics.h"
 
 #include <optional>
+#include <string>
 
 namespace Ostrel {
 

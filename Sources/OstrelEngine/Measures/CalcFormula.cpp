@@ -1,8 +1,8 @@
 #include "OstrelEngine/Measures/CalcFormula.h"
 
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/RegularExpression.h"
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelCore/Text/RegularExpression.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/CalcMeasure.h"
 
 namespace Ostrel {

@@ -1,7 +1,7 @@
 #include "OstrelEngine/Measures/CalcMeasure.h"
 
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/ExpressionParser.h"
 #include "OstrelEngine/Measures/IntegerConversion.h"
 

@@ -1,10 +1,14 @@
 #include "OstrelEngine/Measures/ChameleonPluginMeasure.h"
 
-#include "OstrelCore/Paths.h"
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Files/Paths.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/ColorText.h"
 #include "OstrelPlatform/PictureColors.h"
 #include "OstrelPlatform/Platform.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
 
 namespace Ostrel {
 

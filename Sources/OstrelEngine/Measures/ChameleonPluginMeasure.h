@@ -2,6 +2,10 @@
 
 #include "OstrelEngine/Measures/MeasureProtocol.h"
 
+#include <memory>
+#include <string>
+#include <string_view>
+
 namespace Ostrel {
 
 class PictureColors;

@@ -1,6 +1,6 @@
 #include "OstrelEngine/Measures/ColorText.h"
 
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelPlatform/RGBColor.h"
 
 #include <algorithm>

@@ -1,8 +1,10 @@
 #include "OstrelEngine/Measures/DiskMeasure.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelPlatform/HostStatistics.h"
 
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace Ostrel {

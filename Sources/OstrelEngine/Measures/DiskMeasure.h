@@ -2,6 +2,8 @@
 
 #include "OstrelEngine/Measures/MeasureProtocol.h"
 
+#include <string>
+
 namespace Ostrel {
 
 class HostStatistics;

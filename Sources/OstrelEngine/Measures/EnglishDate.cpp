@@ -1,6 +1,6 @@
 #include "OstrelEngine/Measures/EnglishDate.h"
 
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text/Numbers.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,10 @@
 #include "OstrelEngine/Measures/InputTextMeasure.h"
 
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/Text.h"
-#include "OstrelEngine/PositionParser.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/PositionParser.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace Ostrel {

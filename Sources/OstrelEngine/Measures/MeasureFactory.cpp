@@ -1,6 +1,6 @@
 #include "OstrelEngine/Measures/MeasureFactory.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/AudioLevelMeasure.h"
 #include "OstrelEngine/Measures/CPUMeasure.h"
 #include "OstrelEngine/Measures/CalcMeasure.h"

@@ -1,6 +1,6 @@
 #include "OstrelEngine/Measures/MeasureProtocol.h"
 
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Measures/Substitution.h"
 
 #include <algorithm>
@@ -45,7 +45,50 @@ void BaseMeasure::setOption(std::string_view key, std::string_view value) {
     ++optionsRevision_;
 }
 
+void BaseMeasure::removeOption(std::string_view key) {
+    if (!options_.contains(key))
+        return;
+    options_.remove(key);
+    ++optionsRevision_;
+}
+
+void BaseMeasure::setShaping(std::unique_ptr<ValueShaping> shaping) {
+    shaping_ = std::move(shaping);
+    if (shaping_)
+        shaping_->optionsDidChange(options_);
+    shapedOptionsRevision_ = optionsRevision_;
+}
+
+void BaseMeasure::readAsZero() {
+    if (value_.numericValue == 0)
+        return;
+    value_.numericValue = 0;
+    ++valueRevision_;
+}
+
+void BaseMeasure::publishShaped(double number, std::string_view text, bool preferText, double minimum, double maximum) {
+    if (shapedOptionsRevision_ != optionsRevision_) {
+        shaping_->optionsDidChange(options_);
+        shapedOptionsRevision_ = optionsRevision_;
+    }
+    taken_.numericValue = number;
+    taken_.stringValue = text;
+    taken_.preferStringValue = preferText;
+    taken_.minValue = minimum;
+    taken_.maxValue = maximum;
+    MeasureValue shaped = taken_;
+    shaping_->shape(shaped);
+    if (shaped == value_)
+        return;
+    value_ = std::move(shaped);
+    ++valueRevision_;
+}
+
 void BaseMeasure::publish(double number, std::string_view text, bool preferText, double minimum, double maximum) {
+    if (shaping_) {
+        publishShaped(number, text, preferText, minimum, maximum);
+        return;
+    }
     if (substitution_)
         text = substitution_->apply(text);
     const bool sameText = value_.stringValue == text;
@@ -63,6 +106,11 @@ void BaseMeasure::publish(double number, std::string_view text, bool preferText,
 }
 
 void BaseMeasure::publishUnchanged() {
+    if (shaping_) {
+        const MeasureValue taken = taken_;
+        publishShaped(taken.numericValue, taken.stringValue, taken.preferStringValue, taken.minValue, taken.maxValue);
+        return;
+    }
     if (std::isnan(value_.numericValue))
         ++valueRevision_;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OstrelCore/SkinModel.h"
+#include "OstrelCore/Documents/SkinModel.h"
 #include "OstrelEngine/Measures/MeasureValue.h"
 
 #include <cstdint>
@@ -23,6 +23,16 @@ public:
     virtual ~MeasuresOwner() = default;
     /// Null when there is none of that name, which may be in any case.
     virtual BaseMeasure* measure(std::string_view name) const = 0;
+};
+
+/// What general options make of each value that a measure takes. One a measure; may keep state, such as an average.
+class ValueShaping {
+public:
+    virtual ~ValueShaping() = default;
+    /// Called at each update with the value as the measure took it, after every change of an option first with
+    /// `optionsDidChange`.
+    virtual void shape(MeasureValue& value) = 0;
+    virtual void optionsDidChange(const Options& options) = 0;
 };
 
 /// Base of all measures: name, options, the value and its substitution.
@@ -51,6 +61,13 @@ public:
     /// Grows with every change of an option, so that what was parsed from them can be kept until then.
     std::uint64_t optionsRevision() const { return optionsRevision_; }
     void setOption(std::string_view key, std::string_view value);
+    /// The option is as if it had never been there.
+    void removeOption(std::string_view key);
+
+    /// Takes the place of `Substitute` from the next update on.
+    void setShaping(std::unique_ptr<ValueShaping> shaping);
+    /// A disabled measure: the number reads 0, the text stays.
+    void readAsZero();
 
     /// Recomputes the value. The base keeps what it has.
     virtual void update() { }
@@ -69,10 +86,16 @@ protected:
     void publishUnchanged();
 
 private:
+    void publishShaped(double number, std::string_view text, bool preferText, double minimum, double maximum);
+
     MeasureDefinition definition_;
     std::string skinPath_;
     Options options_;
     std::unique_ptr<Substitution> substitution_;
+    std::unique_ptr<ValueShaping> shaping_;
+    /// With a shaping: the value as the measure took it, and the options that the shaping has seen.
+    MeasureValue taken_;
+    std::uint64_t shapedOptionsRevision_ = 0;
     MeasureValue value_;
     std::uint64_t valueRevision_ = 0;
     std::uint64_t optionsRevision_ = 0;

@@ -1,8 +1,17 @@
 #pragma once
 
+#include <memory>
 #include <string>
+#include <string_view>
 
 namespace Ostrel {
+
+/// What turns the formatted text of a number into the text that is shown.
+class TextRule {
+public:
+    virtual ~TextRule() = default;
+    virtual std::string apply(std::string_view text) const = 0;
+};
 
 /// What a measure yields: a number with its range, and a text form.
 struct MeasureValue {
@@ -12,6 +21,8 @@ struct MeasureValue {
     bool preferStringValue = false;
     double minValue = 0;
     double maxValue = 100;
+    /// For a number without a text of its own: acts on what a consumer makes of it. Null for none.
+    std::shared_ptr<const TextRule> textRule = nullptr;
 
     /// 0 to 100; 0 when the range is empty.
     double percentValue() const;

@@ -1,9 +1,10 @@
 #include "OstrelEngine/Measures/MemoryMeasure.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelPlatform/HostStatistics.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 namespace Ostrel {

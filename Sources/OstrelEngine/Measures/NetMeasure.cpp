@@ -1,9 +1,11 @@
 #include "OstrelEngine/Measures/NetMeasure.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelPlatform/HostStatistics.h"
 
 #include <algorithm>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace Ostrel {

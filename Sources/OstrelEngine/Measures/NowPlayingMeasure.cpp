@@ -1,9 +1,9 @@
 #include "OstrelEngine/Measures/NowPlayingMeasure.h"
 
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/Text.h"
-#include "OstrelEngine/Measures/MediaPlayerBridge.h"
-#include "OstrelEngine/Measures/MediaPlayerBridges.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Players/MediaPlayerBridge.h"
+#include "OstrelEngine/Players/MediaPlayerBridges.h"
 #include "OstrelPlatform/Platform.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "OstrelEngine/Measures/RecycleManagerMeasure.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelPlatform/Platform.h"
 #include "OstrelPlatform/RecycleManagerBackend.h"
 

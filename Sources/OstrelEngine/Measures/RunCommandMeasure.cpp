@@ -1,12 +1,15 @@
 #include "OstrelEngine/Measures/RunCommandMeasure.h"
 
-#include "OstrelCore/Paths.h"
-#include "OstrelCore/Text.h"
-#include "OstrelCore/URLScheme.h"
+#include "OstrelCore/Files/Paths.h"
+#include "OstrelCore/Text/Text.h"
+#include "OstrelCore/Text/URLScheme.h"
 #include "OstrelPlatform/Platform.h"
 #include "OstrelPlatform/Workspace.h"
 
 #include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace Ostrel {
 

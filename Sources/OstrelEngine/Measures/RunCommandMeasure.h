@@ -2,6 +2,9 @@
 
 #include "OstrelEngine/Measures/MeasureProtocol.h"
 
+#include <string>
+#include <string_view>
+
 namespace Ostrel {
 
 class Workspace;

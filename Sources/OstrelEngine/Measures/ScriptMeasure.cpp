@@ -1,8 +1,8 @@
 #include "OstrelEngine/Measures/ScriptMeasure.h"
 
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/Paths.h"
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Files/Paths.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/CalcMeasure.h"
 
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "OstrelEngine/Measures/StringMeasure.h"
 
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelCore/Text/Text.h"
 
 #include <algorithm>
 #include <utility>

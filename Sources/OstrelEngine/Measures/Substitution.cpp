@@ -1,6 +1,6 @@
 #include "OstrelEngine/Measures/Substitution.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 
 #include <utility>
 

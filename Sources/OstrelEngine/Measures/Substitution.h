@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OstrelCore/RegularExpression.h"
+#include "OstrelCore/Text/RegularExpression.h"
 
 #include <memory>
 #include <optional>

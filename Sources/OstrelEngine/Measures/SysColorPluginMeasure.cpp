@@ -4,6 +4,9 @@
 #include "OstrelPlatform/DesktopAppearance.h"
 #include "OstrelPlatform/Platform.h"
 
+#include <optional>
+#include <string>
+
 namespace Ostrel {
 
 SysColorPluginMeasure::SysColorPluginMeasure(

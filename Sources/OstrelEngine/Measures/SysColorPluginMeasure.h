@@ -3,6 +3,9 @@
 #include "OstrelEngine/Measures/MeasureProtocol.h"
 #include "OstrelPlatform/RGBColor.h"
 
+#include <optional>
+#include <string>
+
 namespace Ostrel {
 
 class DesktopAppearance;

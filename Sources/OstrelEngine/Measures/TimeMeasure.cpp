@@ -1,6 +1,6 @@
 #include "OstrelEngine/Measures/TimeMeasure.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelPlatform/Clock.h"
 
 #include <utility>

@@ -1,9 +1,9 @@
 #include "OstrelEngine/Meters/BarMeter.h"
 
-#include "OstrelCore/Text.h"
-#include "OstrelEngine/ColorParser.h"
+#include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/PositionParser.h"
+#include "OstrelEngine/Meters/ColorParser.h"
 #include "OstrelEngine/Meters/Painting.h"
-#include "OstrelEngine/PositionParser.h"
 
 #include <QPainter>
 #include <QTransform>
@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 namespace Ostrel {

@@ -1,12 +1,15 @@
 #include "OstrelEngine/Meters/DecodedPictureColors.h"
 
-#include "OstrelCore/Paths.h"
+#include "OstrelCore/Files/Paths.h"
 #include "OstrelEngine/Meters/ImageAverage.h"
 #include "OstrelEngine/Meters/ImageLoader.h"
 
 #include <QImage>
 
 #include <sys/stat.h>
+
+#include <optional>
+#include <string>
 
 namespace Ostrel {
 

@@ -3,6 +3,8 @@
 #include "OstrelPlatform/PictureColors.h"
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <unordered_map>
 
 namespace Ostrel {

@@ -1,8 +1,8 @@
 #include "OstrelEngine/Meters/ImageLoader.h"
 
-#include "OstrelCore/Paths.h"
-#include "OstrelCore/Text.h"
-#include "OstrelCore/URLScheme.h"
+#include "OstrelCore/Files/Paths.h"
+#include "OstrelCore/Text/Text.h"
+#include "OstrelCore/Text/URLScheme.h"
 #include "OstrelPlatform/RemoteReader.h"
 
 #include <QBuffer>

@@ -1,9 +1,9 @@
 #include "OstrelEngine/Meters/ImageMeter.h"
 
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/Paths.h"
-#include "OstrelCore/Text.h"
-#include "OstrelEngine/ColorParser.h"
+#include "OstrelCore/Files/Paths.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Meters/ColorParser.h"
 #include "OstrelEngine/Meters/FittedImage.h"
 #include "OstrelEngine/Meters/ImageLoader.h"
 #include "OstrelEngine/Meters/Painting.h"
@@ -12,7 +12,10 @@
 #include <QImage>
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
+#include <string>
+#include <string_view>
 
 namespace Ostrel {
 

@@ -1,6 +1,6 @@
 #include "OstrelEngine/Meters/MeterFactory.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Meters/BarMeter.h"
 #include "OstrelEngine/Meters/ImageMeter.h"
 #include "OstrelEngine/Meters/ShapeMeter.h"

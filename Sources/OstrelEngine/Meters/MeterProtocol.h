@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OstrelCore/SkinModel.h"
+#include "OstrelCore/Documents/SkinModel.h"
 #include "OstrelEngine/Geometry.h"
 #include "OstrelEngine/Measures/MeasureValue.h"
 

@@ -6,6 +6,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <vector>
+
 namespace Ostrel {
 
 namespace {

@@ -1,8 +1,8 @@
 #include "OstrelEngine/Meters/ShapeParser.h"
 
-#include "OstrelCore/Text.h"
-#include "OstrelEngine/ColorParser.h"
-#include "OstrelEngine/PositionParser.h"
+#include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/PositionParser.h"
+#include "OstrelEngine/Meters/ColorParser.h"
 
 #include <array>
 

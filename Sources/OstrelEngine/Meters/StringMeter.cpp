@@ -1,13 +1,18 @@
 #include "OstrelEngine/Meters/StringMeter.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Meters/Painting.h"
 #include "OstrelEngine/Meters/StringOptions.h"
 #include "OstrelEngine/Meters/Text/FontLibrary.h"
 #include "OstrelEngine/Meters/Text/SetText.h"
 
+#include <algorithm>
 #include <cmath>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace Ostrel {
 

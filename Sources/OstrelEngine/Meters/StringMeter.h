@@ -3,6 +3,7 @@
 #include "OstrelEngine/Meters/MeterProtocol.h"
 
 #include <memory>
+#include <string>
 
 namespace Ostrel {
 

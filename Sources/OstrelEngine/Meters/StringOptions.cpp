@@ -1,14 +1,16 @@
 #include "OstrelEngine/Meters/StringOptions.h"
 
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/Text.h"
-#include "OstrelEngine/ColorParser.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/PositionParser.h"
+#include "OstrelEngine/Meters/ColorParser.h"
 #include "OstrelEngine/Meters/Painting.h"
-#include "OstrelEngine/PositionParser.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <vector>
 
 namespace Ostrel {
 

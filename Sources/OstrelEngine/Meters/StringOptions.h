@@ -1,9 +1,9 @@
 #pragma once
 
-#include "OstrelCore/CaseInsensitiveDictionary.h"
+#include "OstrelCore/Text/CaseInsensitiveDictionary.h"
 #include "OstrelEngine/Meters/Text/FontLookup.h"
 #include "OstrelEngine/Meters/Text/TextPainter.h"
-#include "OstrelEngine/TextFormatter.h"
+#include "OstrelEngine/Meters/TextFormatter.h"
 
 #include <optional>
 #include <string>

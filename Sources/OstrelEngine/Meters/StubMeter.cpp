@@ -8,6 +8,9 @@
 #include <QPainter>
 #include <QPen>
 
+#include <memory>
+#include <optional>
+
 namespace Ostrel {
 
 namespace {

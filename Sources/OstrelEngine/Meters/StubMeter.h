@@ -2,6 +2,8 @@
 
 #include "OstrelEngine/Meters/MeterProtocol.h"
 
+#include <memory>
+
 namespace Ostrel {
 
 /// Marks the place of a meter of a kind that is not drawn here: a dashed box with a question mark.

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <string>
 #include <unordered_map>
 
 namespace Ostrel {

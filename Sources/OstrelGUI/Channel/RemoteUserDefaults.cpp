@@ -5,6 +5,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <optional>
+#include <string>
+#include <string_view>
+
 namespace Ostrel {
 
 namespace {

@@ -4,7 +4,11 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <functional>
 #include <map>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <variant>
 
 namespace Ostrel {

@@ -6,6 +6,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <functional>
+#include <optional>
+#include <string>
 #include <unordered_map>
 #include <utility>
 

@@ -1,8 +1,11 @@
 #include "OstrelGUI/Session/DetachedPictures.h"
 
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelGUI/Session/Base64.h"
+
+#include <memory>
+#include <optional>
 
 namespace Ostrel {
 

@@ -2,6 +2,7 @@
 
 #include "OstrelGUI/Session/SnapshotPicture.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>

@@ -1,9 +1,9 @@
 #include "OstrelGUI/Session/OstrelSessionController.h"
 
-#include "OstrelCore/FileProvider.h"
-#include "OstrelCore/SkinLoader.h"
-#include "OstrelEngine/Widget/WidgetController.h"
-#include "OstrelEngine/WidgetManager.h"
+#include "OstrelCore/Documents/FileProvider.h"
+#include "OstrelCore/Documents/SkinLoader.h"
+#include "OstrelEngine/Host/WidgetController.h"
+#include "OstrelEngine/Host/WidgetManager.h"
 #include "OstrelGUI/Session/PackRemoval.h"
 #include "OstrelGUI/SessionPaths.h"
 

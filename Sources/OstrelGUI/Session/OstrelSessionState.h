@@ -1,7 +1,7 @@
 #pragma once
 
 #include "OstrelEngine/Geometry.h"
-#include "OstrelEngine/Widget/WidgetRuntimeState.h"
+#include "OstrelEngine/Runtime/WidgetRuntimeState.h"
 #include "OstrelGUI/Session/SnapshotPicture.h"
 
 #include <cstddef>

@@ -6,6 +6,10 @@
 #include "OstrelPlatform/ThreadSerialQueue.h"
 #include "OstrelPlatform/UserDefaults.h"
 
+#include <algorithm>
+#include <string>
+#include <vector>
+
 namespace Ostrel {
 
 namespace {

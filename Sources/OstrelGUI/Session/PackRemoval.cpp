@@ -1,6 +1,6 @@
 #include "OstrelGUI/Session/PackRemoval.h"
 
-#include "OstrelCore/Paths.h"
+#include "OstrelCore/Files/Paths.h"
 
 #include <filesystem>
 

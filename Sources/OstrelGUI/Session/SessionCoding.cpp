@@ -1,10 +1,11 @@
 #include "OstrelGUI/Session/SessionCoding.h"
 
-#include "OstrelEngine/Widget/WidgetRuntimeStateJSON.h"
+#include "OstrelEngine/Runtime/WidgetRuntimeStateJSON.h"
 
 #include <nlohmann/json.hpp>
 
 #include <cmath>
+#include <vector>
 
 namespace Ostrel {
 

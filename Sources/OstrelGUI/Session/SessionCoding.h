@@ -2,6 +2,7 @@
 
 #include "OstrelGUI/Session/OstrelSessionState.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>

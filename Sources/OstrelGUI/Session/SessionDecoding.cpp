@@ -1,11 +1,12 @@
 #include "OstrelGUI/Session/SessionDecoding.h"
 
-#include "OstrelEngine/Widget/WidgetRuntimeStateJSON.h"
+#include "OstrelEngine/Runtime/WidgetRuntimeStateJSON.h"
 #include "OstrelGUI/Session/DetachedPictures.h"
 #include "OstrelGUI/Session/SessionCoding.h"
 
 #include <nlohmann/json.hpp>
 
+#include <memory>
 #include <unordered_set>
 
 namespace Ostrel {

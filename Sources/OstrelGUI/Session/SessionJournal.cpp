@@ -1,7 +1,7 @@
 #include "OstrelGUI/Session/SessionJournal.h"
 
-#include "OstrelCore/Numbers.h"
-#include "OstrelCore/Paths.h"
+#include "OstrelCore/Files/Paths.h"
+#include "OstrelCore/Text/Numbers.h"
 
 #include <algorithm>
 #include <array>

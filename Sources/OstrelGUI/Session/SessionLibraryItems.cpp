@@ -1,6 +1,6 @@
 #include "OstrelGUI/Session/SessionLibraryItems.h"
 
-#include "OstrelCore/Paths.h"
+#include "OstrelCore/Files/Paths.h"
 #include "OstrelGUI/SessionPaths.h"
 
 #include <unicode/coll.h>

@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <memory>
 #include <unordered_set>
 
 namespace Ostrel {

@@ -1,9 +1,14 @@
 #include "OstrelGUI/Session/SessionWidgetLibrary.h"
 
-#include "OstrelCore/FileProvider.h"
-#include "OstrelCore/SkinLoader.h"
-#include "OstrelEngine/WidgetManager.h"
+#include "OstrelCore/Documents/FileProvider.h"
+#include "OstrelCore/Documents/SkinLoader.h"
+#include "OstrelEngine/Host/WidgetManager.h"
 #include "OstrelGUI/Session/OstrelSessionController.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace Ostrel {
 

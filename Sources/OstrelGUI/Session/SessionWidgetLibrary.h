@@ -2,6 +2,11 @@
 
 #include "OstrelGUI/WidgetLibrary.h"
 
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
 namespace Ostrel {
 
 class OstrelSessionController;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OstrelCore/FileDescriptor.h"
+#include "OstrelCore/Files/FileDescriptor.h"
 
 #include <cstdint>
 #include <memory>

@@ -21,6 +21,9 @@
 #include <QSplitter>
 #include <QStackedWidget>
 
+#include <algorithm>
+#include <string>
+
 namespace Ostrel {
 
 namespace {

@@ -1,6 +1,6 @@
 #include "OstrelGUI/Window/ContentView.h"
 
-#include "OstrelCore/Paths.h"
+#include "OstrelCore/Files/Paths.h"
 #include "OstrelGUI/WidgetLibrary.h"
 #include "OstrelGUI/Window/DLLCompatibilityMenuView.h"
 #include "OstrelGUI/Window/DropHint.h"
@@ -19,6 +19,8 @@
 #include <QMimeData>
 #include <QPointer>
 #include <QStackedWidget>
+
+#include <algorithm>
 
 namespace Ostrel {
 

@@ -6,6 +6,8 @@
 #include <QPainterPath>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace Ostrel {
 
 namespace {

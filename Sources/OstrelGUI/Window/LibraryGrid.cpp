@@ -9,6 +9,10 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include <algorithm>
+#include <optional>
+#include <vector>
+
 namespace Ostrel {
 
 namespace {

@@ -8,6 +8,10 @@
 
 #include <QWidget>
 
+#include <functional>
+#include <optional>
+#include <vector>
+
 namespace Ostrel {
 
 /// The cards of the library, grouped by package. It is as high as all of them, stands in a page that scrolls and paints

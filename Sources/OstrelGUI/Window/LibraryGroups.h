@@ -3,6 +3,7 @@
 #include "OstrelGUI/WidgetLibraryItem.h"
 
 #include <span>
+#include <string>
 #include <vector>
 
 namespace Ostrel {

@@ -1,6 +1,6 @@
 #include "OstrelGUI/Window/MediaPlayerMenuView.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelGUI/Window/Controls.h"
 #include "OstrelGUI/Window/MediaPlayerTexts.h"
 #include "OstrelGUI/Window/QtText.h"

@@ -4,6 +4,8 @@
 
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace Ostrel {
 
 Page::Page(const QString& title, const QString& subtitle, QWidget* parent)

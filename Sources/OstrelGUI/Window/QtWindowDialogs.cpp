@@ -6,6 +6,12 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
 namespace Ostrel {
 
 namespace {

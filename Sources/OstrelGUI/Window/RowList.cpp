@@ -4,6 +4,8 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+#include <vector>
+
 namespace Ostrel {
 
 namespace {

@@ -11,6 +11,10 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <memory>
+#include <string>
+#include <vector>
+
 namespace Ostrel {
 
 namespace {

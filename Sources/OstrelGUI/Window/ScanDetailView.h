@@ -4,6 +4,9 @@
 #include "OstrelGUI/Window/Page.h"
 
 #include <functional>
+#include <optional>
+#include <string>
+#include <vector>
 
 class QLabel;
 class QPushButton;

@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <unordered_map>
+#include <vector>
 
 namespace Ostrel {
 

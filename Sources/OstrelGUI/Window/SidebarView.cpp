@@ -8,6 +8,8 @@
 #include <QPainter>
 #include <QStyledItemDelegate>
 
+#include <optional>
+
 namespace Ostrel {
 
 namespace {

@@ -1,7 +1,7 @@
 #include "OstrelGUI/Window/SkinSelection.h"
 
-#include "OstrelCore/Paths.h"
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Files/Paths.h"
+#include "OstrelCore/Text/Text.h"
 
 #include <filesystem>
 #include <system_error>

@@ -1,5 +1,7 @@
 #include "OstrelGUI/Window/StatusIcon.h"
 
+#include <memory>
+
 namespace Ostrel {
 
 QString verdictLabel(CompatVerdict verdict) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "OstrelCore/CompatReport.h"
+#include "OstrelCore/Report/CompatReport.h"
 #include "OstrelGUI/ScannerViewModel.h"
 #include "OstrelGUI/Window/SymbolIcons.h"
 

@@ -6,9 +6,11 @@
 #include <QPainterPath>
 #include <QPixmap>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <optional>
 
 namespace Ostrel {
 

@@ -11,6 +11,8 @@
 #include <QPointer>
 #include <QVBoxLayout>
 
+#include <string>
+
 namespace Ostrel {
 
 WidgetLibraryMenuView::WidgetLibraryMenuView(WidgetLibrary& library, WindowDialogs& dialogs)

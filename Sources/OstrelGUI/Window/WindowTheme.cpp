@@ -7,6 +7,9 @@
 #include <QStyle>
 #include <QStyleFactory>
 
+#include <algorithm>
+#include <optional>
+
 namespace Ostrel {
 
 WindowTheme::WindowTheme(DesktopAppearance* appearance)

@@ -1,7 +1,7 @@
 #include "OstrelPlatform/Linux/LinuxPlatform.h"
 
-#include "OstrelPlatform/Linux/QtDesktopPanels.h"
-#include "OstrelPlatform/Linux/X11DesktopPanels.h"
+#include "OstrelPlatform/Linux/X11/QtDesktopPanels.h"
+#include "OstrelPlatform/Linux/X11/X11DesktopPanels.h"
 
 namespace Ostrel {
 

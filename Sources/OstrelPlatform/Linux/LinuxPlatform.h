@@ -1,14 +1,14 @@
 #pragma once
 
-#include "OstrelPlatform/Linux/FileSystemRecycleManagerBackend.h"
-#include "OstrelPlatform/Linux/FontconfigRegistrar.h"
-#include "OstrelPlatform/Linux/LazyRemoteReader.h"
-#include "OstrelPlatform/Linux/LinuxAppearance.h"
-#include "OstrelPlatform/Linux/LinuxClock.h"
-#include "OstrelPlatform/Linux/LinuxHostStatistics.h"
-#include "OstrelPlatform/Linux/LinuxWorkspace.h"
-#include "OstrelPlatform/Linux/QSettingsUserDefaults.h"
-#include "OstrelPlatform/Linux/QtMainQueue.h"
+#include "OstrelPlatform/Linux/Desktop/FontconfigRegistrar.h"
+#include "OstrelPlatform/Linux/Desktop/LinuxAppearance.h"
+#include "OstrelPlatform/Linux/Desktop/LinuxWorkspace.h"
+#include "OstrelPlatform/Linux/Desktop/QSettingsUserDefaults.h"
+#include "OstrelPlatform/Linux/Files/FileSystemRecycleManagerBackend.h"
+#include "OstrelPlatform/Linux/Host/LinuxHostStatistics.h"
+#include "OstrelPlatform/Linux/Time/LinuxClock.h"
+#include "OstrelPlatform/Linux/Time/QtMainQueue.h"
+#include "OstrelPlatform/Linux/Web/LazyRemoteReader.h"
 #include "OstrelPlatform/Platform.h"
 
 #include <memory>

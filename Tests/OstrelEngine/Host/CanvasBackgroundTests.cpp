@@ -1,4 +1,4 @@
-#include "OstrelEngine/Widget/CanvasBackground.h"
+#include "OstrelEngine/Host/CanvasBackground.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,9 +1,10 @@
-#include "OstrelEngine/Widget/CanvasInput.h"
+#include "OstrelEngine/Host/CanvasInput.h"
 
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Host/FakeMeter.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace Ostrel {
 namespace {

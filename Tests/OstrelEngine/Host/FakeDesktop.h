@@ -5,6 +5,9 @@
 #include <QImage>
 #include <QWindow>
 
+#include <memory>
+#include <vector>
+
 namespace Ostrel {
 
 /// A desktop that keeps what is shown on it.

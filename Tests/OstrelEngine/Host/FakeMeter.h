@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QPainter>
 
+#include <string>
 #include <utility>
 
 namespace Ostrel {

@@ -1,6 +1,8 @@
-#include "OstrelEngine/Widget/LineEditor.h"
+#include "OstrelEngine/Host/LineEditor.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace Ostrel {
 namespace {

@@ -1,8 +1,8 @@
-#include "OstrelEngine/Widget/WidgetPanel.h"
+#include "OstrelEngine/Host/WidgetPanel.h"
 
 #include "OstrelEngine/Host/FakeDesktop.h"
 #include "OstrelEngine/Host/FakeMeter.h"
-#include "OstrelEngine/Widget/WidgetCanvasView.h"
+#include "OstrelEngine/Host/WidgetCanvasView.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -10,6 +10,7 @@
 #include <QWheelEvent>
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace Ostrel {
 namespace {

@@ -1,4 +1,4 @@
-#include "OstrelEngine/Widget/PanelPlacement.h"
+#include "OstrelEngine/Host/PanelPlacement.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "OstrelEngine/Widget/PreviewPicture.h"
+#include "OstrelEngine/Host/PreviewPicture.h"
 
 #include <QImage>
 

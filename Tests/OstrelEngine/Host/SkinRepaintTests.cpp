@@ -1,9 +1,9 @@
-#include "OstrelCore/FileProvider.h"
-#include "OstrelCore/SkinLoader.h"
+#include "OstrelCore/Documents/FileProvider.h"
+#include "OstrelCore/Documents/SkinLoader.h"
+#include "OstrelEngine/Host/BackgroundOptions.h"
 #include "OstrelEngine/Host/PictureDifference.h"
-#include "OstrelEngine/Widget/BackgroundOptions.h"
-#include "OstrelEngine/Widget/SkinRuntime.h"
-#include "OstrelEngine/Widget/WidgetCanvas.h"
+#include "OstrelEngine/Host/WidgetCanvas.h"
+#include "OstrelEngine/Runtime/SkinRuntime.h"
 #include "OstrelPlatform/AudioSpectrum.h"
 #include "Support/FakePlatform.h"
 
@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 

@@ -1,4 +1,4 @@
-#include "OstrelEngine/Widget/WidgetCanvas.h"
+#include "OstrelEngine/Host/WidgetCanvas.h"
 
 #include "OstrelEngine/Host/FakeMeter.h"
 #include "OstrelEngine/Host/PictureDifference.h"
@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 
 namespace Ostrel {

@@ -1,18 +1,20 @@
-#include "OstrelEngine/Widget/WidgetController.h"
+#include "OstrelEngine/Host/WidgetController.h"
 
-#include "OstrelCore/FileProvider.h"
-#include "OstrelCore/SkinLoader.h"
+#include "OstrelCore/Documents/FileProvider.h"
+#include "OstrelCore/Documents/SkinLoader.h"
+#include "OstrelEngine/Host/BackgroundOptions.h"
+#include "OstrelEngine/Host/CanvasInput.h"
+#include "OstrelEngine/Host/CanvasWiring.h"
 #include "OstrelEngine/Host/FakeDesktop.h"
-#include "OstrelEngine/Widget/BackgroundOptions.h"
-#include "OstrelEngine/Widget/CanvasInput.h"
-#include "OstrelEngine/Widget/CanvasWiring.h"
-#include "OstrelEngine/Widget/SkinRuntime.h"
+#include "OstrelEngine/Runtime/SkinRuntime.h"
 #include "Support/FakePlatform.h"
 #include "Support/TemporaryFolder.h"
 
 #include <QImage>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace Ostrel {
 namespace {

@@ -1,15 +1,17 @@
-#include "OstrelEngine/WidgetManager.h"
+#include "OstrelEngine/Host/WidgetManager.h"
 
-#include "OstrelCore/FileProvider.h"
-#include "OstrelCore/SkinLoader.h"
+#include "OstrelCore/Documents/FileProvider.h"
+#include "OstrelCore/Documents/SkinLoader.h"
 #include "OstrelEngine/Host/FakeDesktop.h"
-#include "OstrelEngine/Widget/WidgetController.h"
-#include "OstrelEngine/Widget/WidgetRuntimeStateJSON.h"
+#include "OstrelEngine/Host/WidgetController.h"
+#include "OstrelEngine/Runtime/WidgetRuntimeStateJSON.h"
 #include "Support/FakePlatform.h"
 #include "Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+
+#include <algorithm>
 
 namespace Ostrel {
 namespace {

@@ -1,8 +1,8 @@
-#include "OstrelEngine/Widget/WidgetPanel.h"
+#include "OstrelEngine/Host/WidgetPanel.h"
 
 #include "OstrelEngine/Host/FakeDesktop.h"
 #include "OstrelEngine/Host/FakeMeter.h"
-#include "OstrelEngine/Widget/WidgetCanvasView.h"
+#include "OstrelEngine/Host/WidgetCanvasView.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>

@@ -1,6 +1,6 @@
 #include "OstrelEngine/Measures/CalcMeasure.h"
 
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Measures/MeasureTable.h"
 #include "Support/AllocationCounter.h"
 

@@ -1,10 +1,11 @@
 #include "OstrelEngine/Measures/InputTextMeasure.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/MeasureFactory.h"
 #include "Support/FakePlatform.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace Ostrel {
 

@@ -4,6 +4,10 @@
 #include "Support/FakePlatform.h"
 
 #include <initializer_list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 

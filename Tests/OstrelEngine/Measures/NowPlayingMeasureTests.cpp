@@ -1,13 +1,14 @@
 #include "OstrelEngine/Measures/NowPlayingMeasure.h"
 
-#include "OstrelEngine/Measures/AppleScriptTransport.h"
 #include "OstrelEngine/Measures/MeasureTable.h"
-#include "OstrelEngine/Measures/MediaPlayerBridge.h"
-#include "OstrelEngine/Measures/MediaPlayerBridges.h"
+#include "OstrelEngine/Players/MediaPlayerBridge.h"
+#include "OstrelEngine/Players/MediaPlayerBridges.h"
+#include "OstrelPlatform/Mac/AppleScriptTransport.h"
 #include "OstrelPlatform/VirtualSerialQueue.h"
 #include "Support/AllocationCounter.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace Ostrel {
 namespace {

@@ -3,6 +3,7 @@
 #include "OstrelPlatform/RecycleManagerBackend.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace Ostrel {
 

@@ -4,6 +4,7 @@
 #include "Support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <filesystem>
 

@@ -1,6 +1,7 @@
 #include "OstrelEngine/Measures/ScriptMeasure.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace Ostrel {
 

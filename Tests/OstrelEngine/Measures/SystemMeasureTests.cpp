@@ -1,4 +1,4 @@
-#include "OstrelCore/Numbers.h"
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Measures/MeasureTable.h"
 #include "OstrelEngine/Measures/TimeMeasure.h"
 

@@ -1,4 +1,4 @@
-#include "OstrelEngine/FontRegistry.h"
+#include "OstrelEngine/Meters/Text/FontRegistry.h"
 #include "OstrelPlatform/FontRegistrar.h"
 #include "Support/TemporaryFolder.h"
 

@@ -1,6 +1,6 @@
-#include "OstrelEngine/ColorParser.h"
-#include "OstrelEngine/OptionResolver.h"
-#include "OstrelEngine/PositionParser.h"
+#include "OstrelEngine/Measures/PositionParser.h"
+#include "OstrelEngine/Meters/ColorParser.h"
+#include "OstrelEngine/Runtime/OptionResolver.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "OstrelEngine/TextFormatter.h"
+#include "OstrelEngine/Meters/TextFormatter.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,9 @@
 #include "OstrelGUI/WidgetLibrary.h"
 #include "OstrelPlatform/UserDefaults.h"
 
+#include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 

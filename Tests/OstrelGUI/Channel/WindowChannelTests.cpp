@@ -15,6 +15,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
 namespace Ostrel {
 namespace {
 

@@ -1,10 +1,10 @@
 #include "OstrelGUI/Session/OstrelSessionController.h"
 
-#include "OstrelCore/FileProvider.h"
-#include "OstrelCore/SkinLoader.h"
+#include "OstrelCore/Documents/FileProvider.h"
+#include "OstrelCore/Documents/SkinLoader.h"
 #include "OstrelEngine/Host/FakeDesktop.h"
-#include "OstrelEngine/Widget/WidgetController.h"
-#include "OstrelEngine/WidgetManager.h"
+#include "OstrelEngine/Host/WidgetController.h"
+#include "OstrelEngine/Host/WidgetManager.h"
 #include "OstrelGUI/Session/SessionWidgetLibrary.h"
 #include "OstrelGUI/WidgetPreferences.h"
 #include "OstrelPlatform/InMemoryUserDefaults.h"
@@ -13,6 +13,9 @@
 
 #include <QImage>
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>

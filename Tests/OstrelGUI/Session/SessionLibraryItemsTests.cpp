@@ -1,5 +1,7 @@
 #include "OstrelGUI/Session/SessionLibraryItems.h"
 
+#include <gtest/gtest.h>
+
 #include <random>
 
 namespace Ostrel {

@@ -3,8 +3,10 @@
 #include "OstrelGUI/Session/SessionCoding.h"
 #include "OstrelGUI/Session/SessionReplay.h"
 #include "OstrelPlatform/InMemoryUserDefaults.h"
-#include "OstrelPlatform/Linux/QSettingsUserDefaults.h"
+#include "OstrelPlatform/Linux/Desktop/QSettingsUserDefaults.h"
 #include "Support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>

@@ -7,6 +7,9 @@
 #include <QScrollArea>
 #include <QScrollBar>
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 namespace Ostrel {
 
 using testing::ElementsAre;

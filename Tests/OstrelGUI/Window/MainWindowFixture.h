@@ -6,8 +6,8 @@
 #include "OstrelGUI/Window/WindowDialogs.h"
 #include "OstrelPlatform/DesktopAppearance.h"
 #include "OstrelPlatform/InMemoryUserDefaults.h"
-#include "OstrelPlatform/Linux/LinuxHostStatistics.h"
-#include "OstrelPlatform/Linux/QtMainQueue.h"
+#include "OstrelPlatform/Linux/Host/LinuxHostStatistics.h"
+#include "OstrelPlatform/Linux/Time/QtMainQueue.h"
 #include "Support/EventLoop.h"
 #include "Support/FakeWidgetLibrary.h"
 #include "Support/TemporaryFolder.h"
@@ -16,6 +16,14 @@
 #include <QTest>
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace Ostrel {
 

@@ -10,6 +10,10 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <filesystem>
 
 namespace Ostrel {

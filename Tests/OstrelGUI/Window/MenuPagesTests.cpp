@@ -4,6 +4,9 @@
 #include "OstrelGUI/Window/Controls.h"
 #include "OstrelGUI/Window/MediaPlayerMenuView.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 namespace Ostrel {
 
 using testing::ElementsAre;

@@ -4,6 +4,7 @@
 #include "Support/FakeWidgetLibrary.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace Ostrel {
 

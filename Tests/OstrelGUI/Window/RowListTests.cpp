@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace Ostrel {
 

@@ -10,6 +10,7 @@
 #include <QTest>
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace Ostrel {
 

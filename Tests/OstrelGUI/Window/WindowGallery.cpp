@@ -8,8 +8,8 @@
 #include "OstrelGUI/Window/WindowDialogs.h"
 #include "OstrelPlatform/DesktopAppearance.h"
 #include "OstrelPlatform/InMemoryUserDefaults.h"
-#include "OstrelPlatform/Linux/LinuxHostStatistics.h"
-#include "OstrelPlatform/Linux/QtMainQueue.h"
+#include "OstrelPlatform/Linux/Host/LinuxHostStatistics.h"
+#include "OstrelPlatform/Linux/Time/QtMainQueue.h"
 #include "Support/FakeWidgetLibrary.h"
 #include "Support/TemporaryFolder.h"
 

@@ -1,6 +1,6 @@
 #include "OstrelEngine/Meters/Text/FontLibrary.h"
 
-#include "OstrelEngine/FontRegistry.h"
+#include "OstrelEngine/Meters/Text/FontRegistry.h"
 
 #include <hb.h>
 
@@ -9,6 +9,9 @@
 
 #include <QFont>
 #include <QGuiApplication>
+
+#include <algorithm>
+#include <string>
 
 namespace Ostrel {
 

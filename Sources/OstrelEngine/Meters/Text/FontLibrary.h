@@ -6,6 +6,7 @@
 #include <deque>
 #include <map>
 #include <memory>
+#include <string>
 #include <string_view>
 
 struct hb_buffer_t;

@@ -2,7 +2,10 @@
 
 #include <fontconfig/fontconfig.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <memory>
+#include <vector>
 
 namespace Ostrel::FontLookup {
 

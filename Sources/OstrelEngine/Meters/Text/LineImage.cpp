@@ -1,5 +1,6 @@
 #include "OstrelEngine/Meters/Text/LineImage.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 

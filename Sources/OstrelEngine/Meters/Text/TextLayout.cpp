@@ -1,11 +1,15 @@
 #include "OstrelEngine/Meters/Text/TextLayout.h"
 
-#include "OstrelCore/Text.h"
+#include "OstrelCore/Text/Text.h"
 
 #include <unicode/brkiter.h>
 #include <unicode/uchar.h>
 #include <unicode/utext.h>
 #include <unicode/utf16.h>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
 
 namespace Ostrel {
 

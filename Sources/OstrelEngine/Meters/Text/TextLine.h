@@ -3,6 +3,7 @@
 #include "OstrelEngine/Meters/Text/TextRuns.h"
 
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 

@@ -6,7 +6,9 @@
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>
 
+#include <algorithm>
 #include <optional>
+#include <string>
 
 namespace Ostrel::TextRuns {
 

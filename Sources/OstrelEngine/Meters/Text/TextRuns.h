@@ -6,6 +6,7 @@
 #include <hb.h>
 
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 

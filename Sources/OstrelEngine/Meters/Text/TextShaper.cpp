@@ -1,7 +1,11 @@
 #include "OstrelEngine/Meters/Text/FontLibrary.h"
 #include "OstrelEngine/Meters/Text/TextLine.h"
 
+#include <algorithm>
 #include <array>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace Ostrel::TextShaper {
 

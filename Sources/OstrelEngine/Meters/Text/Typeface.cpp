@@ -9,6 +9,7 @@
 
 #include <QPainterPath>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 

@@ -1,0 +1,1 @@
+#include "OstrelDialect/ActionText.h"

@@ -1,0 +1,1 @@
+#include "OstrelDialect/Formula.h"

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "OstrelEngine/Actions/MouseEvents.h"
+#include "OstrelEngine/Geometry.h"
+#include "OstrelEngine/Host/ContextMenu.h"
+#include "OstrelEngine/Host/InputField.h"
+
+#include <QWindow>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace Ostrel {
+
+class DesktopPanels;
+class WidgetCanvasView;
+struct InputTextPresentation;
+
+/// The borderless, transparent window of a widget, part of the desktop. Its place is its origin: bottom left corner, y
+/// upward, relative to the primary screen. Main thread.
+class WidgetPanel final : public QWindow {
+public:
+    /// The view and the desktop outlive the panel. Nothing is shown yet.
+    WidgetPanel(Size widgetSize, Point origin, WidgetCanvasView& view, DesktopPanels& desktop);
+    ~WidgetPanel() override;
+
+    Point origin() const;
+    Size widgetSize() const { return widgetSize_; }
+    /// The origin stays: what grows does so upward and to the right. The view displays nothing yet.
+    void setWidgetSize(Size widgetSize);
+
+    bool isMovableByBackground() const { return movableByBackground_; }
+    void setMovableByBackground(bool movable);
+
+    /// Shows the panel behind all others.
+    void pinToDesktopLayer();
+
+    /// After the panel has been moved, with the new origin.
+    std::function<void(Point)> onMoved;
+    /// A choice of the context menu.
+    std::function<void(WidgetContextAction)> onContextAction;
+
+protected:
+    bool event(QEvent* event) override;
+    void exposeEvent(QExposeEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    void dragTo(const QPoint& pointer);
+    void showField(const std::optional<InputTextPresentation>& presentation);
+    void showContextMenu(const QPoint& at);
+
+    void place(Point origin);
+    /// A screen that goes or shrinks takes its panels' places with it.
+    void followScreens();
+    void keepInView();
+    void followScale();
+
+    /// Where a press of the button took hold of the window.
+    struct Grip {
+        QPoint pointer;
+        QPoint window;
+        bool moving = false;
+    };
+
+    WidgetCanvasView& view_;
+    Size widgetSize_;
+    double scale_ = 1;
+    bool movableByBackground_ = true;
+    std::optional<Grip> grip_;
+    std::optional<Point> lastOrigin_;
+    /// How far a wheel has turned since its last whole step.
+    double partOfNotch_ = 0;
+    /// Both end while one of their own events is being handled, so they go when it is over.
+    struct DeleteLater {
+        void operator()(QObject* object) const { object->deleteLater(); }
+    };
+    std::unique_ptr<InputField, DeleteLater> field_;
+    std::unique_ptr<ContextMenu, DeleteLater> menu_;
+};
+
+} // namespace Ostrel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "OstrelPlatform/HostStatistics.h"
+#include "OstrelPlatform/Linux/Host/ProcFigures.h"
+#include "OstrelPlatform/Linux/Host/ProcFile.h"
+
+#include <map>
+#include <optional>
+#include <string>
+
+namespace Ostrel {
+
+/// Figures of the running kernel.
+class LinuxHostStatistics final : public HostStatistics {
+public:
+    explicit LinuxHostStatistics(const std::string& procFolder = "/proc");
+
+    void beginWake() override { ++wake_; }
+    std::optional<CPUTicks> cpuTicks() override;
+    std::optional<MemoryFigures> physicalMemory() override { return memory().physical; }
+    std::optional<MemoryFigures> swap() override { return memory().swap; }
+    std::optional<FileSystemFigures> fileSystem(const std::string& path) override;
+    std::optional<NetworkBytes> networkBytes() override;
+
+private:
+    /// What a source said, and in which wake.
+    template <typename Value> struct Sample {
+        Value value{};
+        std::uint64_t wake = 0;
+    };
+
+    template <typename Value, typename Read> const Value& sampled(Sample<Value>& sample, Read read);
+    const ProcFigures::Memory& memory();
+
+    /// Above that of a sample never taken.
+    std::uint64_t wake_ = 1;
+    ProcFile statFile_;
+    ProcFile meminfoFile_;
+    ProcFile netDevFile_;
+    Sample<std::optional<CPUTicks>> cpu_;
+    Sample<ProcFigures::Memory> memory_;
+    Sample<std::optional<NetworkBytes>> network_;
+    /// As many as the skins name paths.
+    std::map<std::string, Sample<std::optional<FileSystemFigures>>> fileSystems_;
+};
+
+} // namespace Ostrel
