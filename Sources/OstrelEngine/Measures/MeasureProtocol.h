@@ -13,6 +13,7 @@
 namespace Ostrel {
 
 class BaseMeasure;
+class SkinScript;
 class Substitution;
 struct Platform;
 
@@ -78,6 +79,8 @@ public:
     virtual void dismissInput() { }
     /// Tells a measure that refers to others where they are, once all exist.
     virtual void resolveMeasureReferences(std::weak_ptr<const MeasuresOwner>) { }
+    /// Null for all measures but scripts of the full dialect.
+    virtual SkinScript* script() { return nullptr; }
 
 protected:
     /// The live option, else absent. The view lives until the option changes.
