@@ -3,7 +3,6 @@
 #include "OstrelDialect/OptionValues.h"
 
 #include <limits>
-#include <utility>
 
 namespace Ostrel {
 
@@ -18,10 +17,6 @@ constexpr double TrackedMaximum = -std::numeric_limits<double>::infinity();
 FullMeasure::FullMeasure(const MeasureDefinition& definition, FullMeasureHost& host)
     : BaseMeasure(definition, {})
     , host_(host) { }
-
-bool FullMeasure::optionsDidChange() {
-    return std::exchange(readRevision_, optionsRevision()) != optionsRevision();
-}
 
 double FullMeasure::number(const CaseKey& key, double fallback) const {
     const auto written = option(key);

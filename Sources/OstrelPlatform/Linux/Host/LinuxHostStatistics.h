@@ -7,7 +7,6 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace Ostrel {
 
@@ -22,7 +21,6 @@ public:
     std::optional<MemoryFigures> swap() override { return memory().swap; }
     std::optional<FileSystemFigures> fileSystem(const std::string& path) override;
     std::optional<NetworkBytes> networkBytes() override;
-    const std::vector<ProcessorTimes>& processors() override;
 
 private:
     /// What a source said, and in which wake.
@@ -40,7 +38,6 @@ private:
     ProcFile meminfoFile_;
     ProcFile netDevFile_;
     Sample<std::optional<CPUTicks>> cpu_;
-    Sample<std::vector<ProcessorTimes>> processors_;
     Sample<ProcFigures::Memory> memory_;
     Sample<std::optional<NetworkBytes>> network_;
     /// As many as the skins name paths.
