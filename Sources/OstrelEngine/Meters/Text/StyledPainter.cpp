@@ -21,8 +21,7 @@ namespace {
 
 /// Steps between two stops that stand for a mixture in linear light.
 constexpr int LinearSteps = 8;
-constexpr std::array<QPoint, 8> Neighbours
-    = {{{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}}};
+constexpr std::array<QPoint, 8> Neighbours = {{{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}}};
 
 double toLinear(double channel) {
     return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
@@ -151,9 +150,8 @@ private:
     static QRect ruleOf(const StyledLine::Piece& piece, const DeviceLine& line, double offset, double thickness) {
         const int height = std::max(1, static_cast<int>(std::lround(thickness * line.pixelSize)));
         const double middle = line.baseline + offset * line.pixelSize;
-        const auto at = [&](double x) {
-            return static_cast<int>(std::lround(boundedCoordinate(line.left + x * line.scale)));
-        };
+        const auto at
+            = [&](double x) { return static_cast<int>(std::lround(boundedCoordinate(line.left + x * line.scale))); };
         const int left = at(piece.left);
         return QRect(left, static_cast<int>(std::lround(middle - height / 2.0)), at(piece.right) - left, height);
     }
@@ -204,7 +202,7 @@ private:
 
 /// Outlines and decorations of a piece from the line's left end and baseline.
 QPainterPath pathOf(const StyledLine::Piece& piece, const TextStyle& style) {
-    const DeviceLine line{piece.line, 0, 0, std::min(style.size, TextPainter::LargestPixelSize)};
+    const DeviceLine line{piece.line, 0, 0, std::min(style.size, TextPainter::LargestPixelSize), 1, true, {}, {}};
     auto path = LineComposer::outlines(line);
     path.setFillRule(Qt::WindingFill);
     const auto& metrics = style.typeface->metrics();
@@ -221,14 +219,14 @@ QPainterPath pathOf(const StyledLine::Piece& piece, const TextStyle& style) {
 
 } // namespace
 
-void draw(QPainter& painter, const StyledText& text, const StyledLayout& layout, const Rect& rect,
-    const StyledLook& look) {
+void draw(
+    QPainter& painter, const StyledText& text, const StyledLayout& layout, const Rect& rect, const StyledLook& look) {
     UprightPainter upright(painter, text, rect, look);
     forEachLine(layout, rect, look, [&](const PlacedLine& placed) { upright.draw(placed); });
 }
 
-void drawOutlines(QPainter& painter, const StyledText& text, const StyledLayout& layout, const Rect& rect,
-    const StyledLook& look) {
+void drawOutlines(
+    QPainter& painter, const StyledText& text, const StyledLayout& layout, const Rect& rect, const StyledLook& look) {
     painter.setRenderHint(QPainter::Antialiasing, look.antiAlias);
     forEachLine(layout, rect, look, [&](const PlacedLine& placed) {
         const QPointF origin(boundedCoordinate(placed.left), boundedCoordinate(placed.baseline()));
@@ -249,8 +247,8 @@ void drawOutlines(QPainter& painter, const StyledText& text, const StyledLayout&
             });
         forEachPath([&](const QPainterPath& path, const TextStyle& style, std::size_t) {
             if (style.shadow)
-                painter.fillPath(path.translated(style.shadow->offsetX, style.shadow->offsetY),
-                    toQColor(style.shadow->color));
+                painter.fillPath(
+                    path.translated(style.shadow->offsetX, style.shadow->offsetY), toQColor(style.shadow->color));
         });
         forEachPath([&](const QPainterPath& path, const TextStyle& style, std::size_t i) {
             if (style.gradient)
