@@ -201,9 +201,9 @@ Family familyNamed(std::string_view name) {
 }
 
 int widthOfStretch(int stretch) {
-    constexpr std::array Widths = {FC_WIDTH_ULTRACONDENSED, FC_WIDTH_EXTRACONDENSED, FC_WIDTH_CONDENSED,
-        FC_WIDTH_SEMICONDENSED, FC_WIDTH_NORMAL, FC_WIDTH_SEMIEXPANDED, FC_WIDTH_EXPANDED, FC_WIDTH_EXTRAEXPANDED,
-        FC_WIDTH_ULTRAEXPANDED};
+    constexpr std::array Widths
+        = {FC_WIDTH_ULTRACONDENSED, FC_WIDTH_EXTRACONDENSED, FC_WIDTH_CONDENSED, FC_WIDTH_SEMICONDENSED,
+            FC_WIDTH_NORMAL, FC_WIDTH_SEMIEXPANDED, FC_WIDTH_EXPANDED, FC_WIDTH_EXTRAEXPANDED, FC_WIDTH_ULTRAEXPANDED};
     return Widths[static_cast<std::size_t>(std::clamp(stretch, 1, 9) - 1)];
 }
 

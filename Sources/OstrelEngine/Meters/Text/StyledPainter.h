@@ -26,11 +26,11 @@ namespace StyledPainter {
 
 /// Draws all lines, aligned in the rectangle. The painter may be translated and scaled alike in both directions; what
 /// is drawn does not depend on its clip.
-void draw(QPainter& painter, const StyledText& text, const StyledLayout& layout, const Rect& rect,
-    const StyledLook& look);
+void draw(
+    QPainter& painter, const StyledText& text, const StyledLayout& layout, const Rect& rect, const StyledLook& look);
 /// The same as outlines, for a painter with any transformation: shadows are not blurred, pictures in fonts not drawn.
-void drawOutlines(QPainter& painter, const StyledText& text, const StyledLayout& layout, const Rect& rect,
-    const StyledLook& look);
+void drawOutlines(
+    QPainter& painter, const StyledText& text, const StyledLayout& layout, const Rect& rect, const StyledLook& look);
 /// Holds all that `draw` and `drawOutlines` may touch.
 Rect paintRect(const StyledText& text, const StyledLayout& layout, const Rect& rect, const StyledLook& look);
 

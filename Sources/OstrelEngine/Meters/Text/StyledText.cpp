@@ -33,8 +33,8 @@ std::vector<Portion> portionsSetAlike(
         [](std::size_t at, const StyledText::Stretch& s) { return at < s.end; });
     for (std::size_t at = begin; at < end && stretch != text.stretches.end(); ++stretch) {
         const std::size_t stop = std::min(end, stretch->end);
-        const bool isAlike = !portions.empty()
-            && text.styles[std::prev(stretch)->style].setsAlike(text.styles[stretch->style]);
+        const bool isAlike
+            = !portions.empty() && text.styles[std::prev(stretch)->style].setsAlike(text.styles[stretch->style]);
         if (isAlike)
             portions.back().end = stop;
         else
@@ -116,8 +116,7 @@ void appendGlyph(StyledLine& line, std::size_t style, double size, const TextSha
         line.pieces.push_back({{}, style, line.width, line.width});
     auto& piece = line.pieces.back().line;
     const auto& typeface = shaped.runs[glyph.run].typeface;
-    const PlacedGlyph placed{
-        glyph.glyph, static_cast<float>(line.width + lead + glyph.x), static_cast<float>(glyph.y)};
+    const PlacedGlyph placed{glyph.glyph, static_cast<float>(line.width + lead + glyph.x), static_cast<float>(glyph.y)};
     TextShaper::takeInInk(piece, *typeface, placed, size);
     piece.glyphs.push_back(placed);
     if (piece.spans.empty() || piece.spans.back().typeface != typeface)
@@ -219,8 +218,7 @@ private:
         return broken(begin, end, fits);
     }
 
-    template <typename Fits>
-    std::vector<LineRange> broken(std::size_t begin, std::size_t end, const Fits& fits) const {
+    template <typename Fits> std::vector<LineRange> broken(std::size_t begin, std::size_t end, const Fits& fits) const {
         const auto paragraph = std::u16string_view(text_.text).substr(begin, end - begin);
         const bool takesWords = room_.breaking == StyledLayouts::Room::Breaking::Words;
         const auto words = takesWords ? TextLayouts::wordEnds(paragraph) : blankEnds(paragraph);
@@ -264,8 +262,8 @@ private:
     bool append(StyledLayout& layout, const LineRange& range, bool isLastParagraph) {
         const bool endsText = isLastParagraph && range.next == range.paragraphEnd;
         auto line = shapedLine(text_, range.begin, range.end);
-        const bool isOver = !layout.lines.empty() && room_.height
-            && layout.height + line.height() > *room_.height + WidthTolerance;
+        const bool isOver
+            = !layout.lines.empty() && room_.height && layout.height + line.height() > *room_.height + WidthTolerance;
         if (isOver) {
             // The line before it was the last.
             withEllipsis(layout);
@@ -336,8 +334,7 @@ private:
 
 bool TextStyle::setsAlike(const TextStyle& other) const {
     return typeface == other.typeface && size == other.size && leading == other.leading && trailing == other.trailing
-        && leastAdvance == other.leastAdvance && features == other.features
-        && family.isItalic == other.family.isItalic;
+        && leastAdvance == other.leastAdvance && features == other.features && family.isItalic == other.family.isItalic;
 }
 
 std::size_t StyledText::styleAt(std::size_t unit) const {

@@ -109,7 +109,8 @@ struct Room {
         Words,
         /// At blanks; a wider word sticks out.
         Blanks,
-    } breaking = Breaking::Never;
+    } breaking
+        = Breaking::Never;
     /// Blanks at the ends of lines count as width.
     bool keepsBlanks = false;
 

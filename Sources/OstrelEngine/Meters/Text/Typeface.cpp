@@ -105,8 +105,7 @@ std::shared_ptr<Typeface> Typeface::open(const FaceFile& file, const std::shared
     return std::shared_ptr<Typeface>(new Typeface(library, std::move(bytes), std::move(face), std::move(shaper), file));
 }
 
-Typeface::Typeface(
-    std::shared_ptr<FT_LibraryRec_> library, Blob bytes, Face face, Shaper shaper, const FaceFile& file)
+Typeface::Typeface(std::shared_ptr<FT_LibraryRec_> library, Blob bytes, Face face, Shaper shaper, const FaceFile& file)
     : library_(std::move(library))
     , bytes_(std::move(bytes))
     , face_(std::move(face))
