@@ -36,7 +36,7 @@ struct FullStringMeter::State {
 
     void restyle() {
         if (!options.style.typeface)
-            options.style.typeface = FontLibrary::shared().typeface(options.style.family);
+            options.style.typeface = FontLibrary::shared().familyTypeface(options.style.family);
         styled = options.inlineSettings.styled(text, options.style);
         isStyled = true;
         laidOut.reset();

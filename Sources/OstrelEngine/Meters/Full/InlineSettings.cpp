@@ -282,7 +282,7 @@ StyledText InlineSettings::styled(std::string_view text, const TextStyle& base) 
     result.stretches.push_back({result.text.size(), styleOf.empty() ? 0 : styleOf.back()});
     for (auto& style : result.styles) {
         if (!style.typeface || style.family != base.family)
-            style.typeface = FontLibrary::shared().typeface(style.family);
+            style.typeface = FontLibrary::shared().familyTypeface(style.family);
     }
     return result;
 }

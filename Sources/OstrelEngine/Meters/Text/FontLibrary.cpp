@@ -63,7 +63,7 @@ std::shared_ptr<Typeface> FontLibrary::typeface(const FontLookup::Request& reque
     return typeface;
 }
 
-std::shared_ptr<Typeface> FontLibrary::typeface(const FontLookup::FamilyRequest& request) {
+std::shared_ptr<Typeface> FontLibrary::familyTypeface(const FontLookup::FamilyRequest& request) {
     forgetLookupsOfOldFonts();
     if (const auto known = familyLookups_.find(request); known != familyLookups_.end()) {
         if (auto typeface = known->second.lock())

@@ -23,7 +23,7 @@ public:
     /// Null only on a machine without fonts. Closed when nobody holds it any longer.
     std::shared_ptr<Typeface> typeface(const FontLookup::Request& request);
     /// The same for a font of the full dialect; Arial or its like stands in for a family that is missing.
-    std::shared_ptr<Typeface> typeface(const FontLookup::FamilyRequest& request);
+    std::shared_ptr<Typeface> familyTypeface(const FontLookup::FamilyRequest& request);
     /// A face that covers all the characters, which `request`'s own does not; null when there is none.
     std::shared_ptr<Typeface> fallback(
         std::u32string_view characters, const FontLookup::Request& request, bool isEmoji);
