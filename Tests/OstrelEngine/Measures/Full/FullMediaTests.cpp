@@ -1,8 +1,12 @@
+#include "OstrelEngine/Geometry.h"
+#include "OstrelPlatform/AudioSpectrum.h"
 #include "Support/FakeFullHost.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <span>
 
 namespace Ostrel {
 
