@@ -1,1 +1,203 @@
 #include "OstrelDialect/OptionValues.h"
+
+#include "OstrelCore/Text/Numbers.h"
+#include "OstrelCore/Text/Text.h"
+#include "OstrelDialect/Formula.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+
+namespace Ostrel::OptionValues {
+
+namespace {
+
+constexpr bool isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v';
+}
+
+std::string_view trimmedBlanks(std::string_view text) {
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+/// Authors write comments behind numbers and colors, though the language has none there.
+std::string_view withoutComment(std::string_view text) {
+    for (auto at = text.find(';'); at != std::string_view::npos; at = text.find(';', at + 1)) {
+        if (at > 0 && isBlank(text[at - 1]))
+            return text.substr(0, at);
+    }
+    return text;
+}
+
+std::optional<double> trimmedNumber(std::string_view text) {
+    if (text.empty())
+        return std::nullopt;
+    if (text.front() == '(') {
+        if (!isInParentheses(text))
+            return std::nullopt;
+        const auto formula = Formula::compile(text);
+        return formula ? formula->evaluate() : std::nullopt;
+    }
+    const bool isNegative = text.front() == '-';
+    if (isNegative || text.front() == '+')
+        text.remove_prefix(1);
+    if (text.find_first_not_of("0123456789.") != std::string_view::npos)
+        return std::nullopt;
+    const auto found = parseNumberPrefix(text);
+    if (found.length == 0 || found.length != text.size() || !std::isfinite(found.value))
+        return std::nullopt;
+    return isNegative ? -found.value : found.value;
+}
+
+int hexadecimalDigit(char c) {
+    if (isASCIIDigit(c))
+        return c - '0';
+    const char upper = asciiUpper(c);
+    return upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : -1;
+}
+
+std::optional<ColorBytes> hexadecimalColor(std::string_view text) {
+    if (text.size() != 6 && text.size() != 8)
+        return std::nullopt;
+    ColorBytes bytes = {0, 0, 0, 255};
+    for (std::size_t i = 0; i < text.size(); i += 2) {
+        const int high = hexadecimalDigit(text[i]);
+        const int low = hexadecimalDigit(text[i + 1]);
+        if (high < 0 || low < 0)
+            return std::nullopt;
+        bytes[i / 2] = static_cast<std::uint8_t>(high * 16 + low);
+    }
+    return bytes;
+}
+
+/// Calls `take(item)` for each item; stops when it returns false.
+template <typename Take> void eachItem(std::string_view text, char separator, Take take) {
+    std::size_t depth = 0;
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c == separator && depth == 0) {
+            if (!take(trimmedBlanks(text.substr(begin, i - begin))))
+                return;
+            begin = i + 1;
+        } else if (c == '(') {
+            ++depth;
+        } else if (c == ')' && depth > 0) {
+            --depth;
+        }
+    }
+    take(trimmedBlanks(text.substr(begin)));
+}
+
+/// A double with one binary place more than decimals asked for lies half-way between two decimals, and no other does.
+/// The correctly rounded text takes the even one; the next double outwards gives the outer one.
+double movedOffHalf(double number, int decimals) {
+    const double scaled = std::ldexp(std::abs(number), decimals + 1);
+    constexpr double WholeFromHere = 9007199254740992.0;
+    if (scaled >= WholeFromHere || scaled != std::floor(scaled) || std::fmod(scaled, 2) == 0)
+        return number;
+    return std::nextafter(number, std::copysign(std::numeric_limits<double>::infinity(), number));
+}
+
+} // namespace
+
+bool isInParentheses(std::string_view text) {
+    text = trimmedBlanks(text);
+    if (text.size() < 2 || text.front() != '(' || text.back() != ')')
+        return false;
+    std::size_t depth = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '(')
+            ++depth;
+        else if (text[i] == ')' && --depth == 0)
+            return i + 1 == text.size();
+    }
+    return false;
+}
+
+std::optional<double> number(std::string_view text) {
+    return trimmedNumber(trimmedBlanks(withoutComment(text)));
+}
+
+std::optional<int> integer(std::string_view text) {
+    const auto value = number(text);
+    if (!value)
+        return std::nullopt;
+    return static_cast<int>(std::clamp(
+        std::trunc(*value), double{std::numeric_limits<int>::min()}, double{std::numeric_limits<int>::max()}));
+}
+
+std::optional<bool> isOn(std::string_view text) {
+    const auto value = number(text);
+    return value ? std::optional(*value != 0) : std::nullopt;
+}
+
+std::optional<ColorBytes> color(std::string_view text) {
+    text = trimmedBlanks(withoutComment(text));
+    if (text.find(',') == std::string_view::npos)
+        return hexadecimalColor(text);
+    ColorBytes bytes = {0, 0, 0, 255};
+    std::size_t count = 0;
+    bool isColor = true;
+    eachItem(text, ',', [&](std::string_view item) {
+        const auto value = trimmedNumber(item);
+        // A comma behind the last part is a slip that leaves the opacity out.
+        if (!value && item.empty() && count == 3)
+            return true;
+        isColor = value && count < bytes.size();
+        if (isColor)
+            bytes[count++] = static_cast<std::uint8_t>(std::clamp(*value, 0.0, 255.0));
+        return isColor;
+    });
+    return isColor && count >= 3 ? std::optional(bytes) : std::nullopt;
+}
+
+std::vector<std::string_view> split(std::string_view text, char separator) {
+    std::vector<std::string_view> items;
+    eachItem(text, separator, [&](std::string_view item) {
+        items.push_back(item);
+        return true;
+    });
+    return items;
+}
+
+std::vector<std::optional<double>> numbers(std::string_view text, char separator) {
+    std::vector<std::optional<double>> values;
+    eachItem(withoutComment(text), separator, [&](std::string_view item) {
+        values.push_back(trimmedNumber(item));
+        return true;
+    });
+    return values;
+}
+
+std::string_view unquoted(std::string_view text) {
+    return withoutDoubleQuotes(text);
+}
+
+std::string fixedText(double number, int decimals) {
+    decimals = std::clamp(decimals, 0, 1000);
+    auto text = formatFixed(movedOffHalf(number, decimals), decimals);
+    if (text.starts_with('-') && text.find_first_not_of("-0.") == std::string::npos)
+        text.erase(0, 1);
+    return text;
+}
+
+std::string numberText(double number, int decimals) {
+    constexpr double ExactWhole = 1e15;
+    if (std::abs(number) < ExactWhole && number == std::trunc(number))
+        return formatInteger(static_cast<std::int64_t>(number));
+    auto text = fixedText(number, decimals);
+    if (text.find('.') != std::string::npos) {
+        text.erase(text.find_last_not_of('0') + 1);
+        if (text.ends_with('.'))
+            text.pop_back();
+    }
+    return text;
+}
+
+} // namespace Ostrel::OptionValues

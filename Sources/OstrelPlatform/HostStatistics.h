@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Ostrel {
 
@@ -14,6 +15,15 @@ struct CPUTicks {
     std::uint64_t nice = 0;
 
     friend bool operator==(const CPUTicks&, const CPUTicks&) = default;
+};
+
+/// Cumulative ticks of one processor. What a virtual machine's host took away counts as busy, waiting for a disk as
+/// idle.
+struct ProcessorTimes {
+    std::uint64_t busy = 0;
+    std::uint64_t idle = 0;
+
+    friend bool operator==(const ProcessorTimes&, const ProcessorTimes&) = default;
 };
 
 /// Bytes. `used` of the memory is the total less what is available.
@@ -51,6 +61,9 @@ public:
     virtual std::optional<MemoryFigures> swap() = 0;
     virtual std::optional<FileSystemFigures> fileSystem(const std::string& path) = 0;
     virtual std::optional<NetworkBytes> networkBytes() = 0;
+    /// All processors together, then each in the order of their numbers; a number without a processor has zeros. Empty
+    /// when the read fails. The reference lives until the next wake.
+    virtual const std::vector<ProcessorTimes>& processors() = 0;
 };
 
 } // namespace Ostrel

@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Ostrel {
 
@@ -20,12 +21,14 @@ public:
     std::optional<MemoryFigures> swapSpace;
     std::map<std::string, FileSystemFigures> fileSystems;
     std::optional<NetworkBytes> network;
+    std::vector<ProcessorTimes> processorTimes;
 
     void beginWake() override { }
     std::optional<CPUTicks> cpuTicks() override { return cpu; }
     std::optional<MemoryFigures> physicalMemory() override { return memory; }
     std::optional<MemoryFigures> swap() override { return swapSpace; }
     std::optional<NetworkBytes> networkBytes() override { return network; }
+    const std::vector<ProcessorTimes>& processors() override { return processorTimes; }
     std::optional<FileSystemFigures> fileSystem(const std::string& path) override {
         const auto found = fileSystems.find(path);
         return found == fileSystems.end() ? std::nullopt : std::optional(found->second);

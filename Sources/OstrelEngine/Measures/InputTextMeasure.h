@@ -26,9 +26,9 @@ public:
 
     /// "ExecuteBatch" with a range runs the numbered commands of the options; one word alone is a variable to ask for.
     bool executeCommand(std::string_view text) override;
-    void submitInput(std::string_view value);
+    void submitInput(std::string_view value) override;
     /// Drops the commands that wait, and all behind them.
-    void dismissInput();
+    void dismissInput() override;
 
     std::function<void(const InputTextPresentation&)> onInputRequested;
     std::function<void()> onInputDismissRequested;

@@ -74,6 +74,9 @@ public:
     virtual void update() { }
     /// Carries out a command; false when this kind of measure takes none.
     virtual bool executeCommand(std::string_view) { return false; }
+    /// The answer to the field that this measure had its skin show, and its end without one.
+    virtual void submitInput(std::string_view) { }
+    virtual void dismissInput() { }
     /// Tells a measure that refers to others where they are, once all exist.
     virtual void resolveMeasureReferences(std::weak_ptr<const MeasuresOwner>) { }
     /// Null for all measures but scripts of the full dialect.

@@ -3,6 +3,7 @@
 #include "OstrelDialect/OptionValues.h"
 
 #include <limits>
+#include <utility>
 
 namespace Ostrel {
 
@@ -17,6 +18,10 @@ constexpr double TrackedMaximum = -std::numeric_limits<double>::infinity();
 FullMeasure::FullMeasure(const MeasureDefinition& definition, FullMeasureHost& host)
     : BaseMeasure(definition, {})
     , host_(host) { }
+
+bool FullMeasure::optionsDidChange() {
+    return std::exchange(readRevision_, optionsRevision()) != optionsRevision();
+}
 
 double FullMeasure::number(const CaseKey& key, double fallback) const {
     const auto written = option(key);

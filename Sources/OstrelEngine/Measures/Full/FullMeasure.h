@@ -2,15 +2,18 @@
 
 #include "OstrelEngine/Measures/MeasureProtocol.h"
 
-#include <functional>
+#include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Ostrel {
 
 class FullMeasureHost;
 class ScriptHost;
+struct InputTextPresentation;
 struct PackFolders;
 struct Platform;
 
@@ -41,6 +44,9 @@ public:
     virtual std::int64_t cycleCount() const = 0;
     /// A background measure's value has arrived: it is taken over and what hangs on it runs at its next update.
     virtual void valueDidArrive(BaseMeasure& measure) = 0;
+    /// Shows the field for a line of text, whose answer comes through `submitInput` or `dismissInput` of the measure;
+    /// absent takes it away.
+    virtual void promptInput(const std::optional<InputTextPresentation>&) { }
     /// What scripts may do with the skin.
     virtual ScriptHost& scriptHost() = 0;
 };
@@ -53,6 +59,8 @@ public:
 
 protected:
     FullMeasureHost& host() const { return host_; }
+    /// True at the first call, and once after each change of an option: the measure then reads its options.
+    bool optionsDidChange();
     /// The number of an option, else the fallback.
     double number(const CaseKey& key, double fallback) const;
     int integer(const CaseKey& key, int fallback) const;
@@ -69,6 +77,7 @@ protected:
 
 private:
     FullMeasureHost& host_;
+    std::optional<std::uint64_t> readRevision_;
 };
 
 } // namespace Ostrel

@@ -11,6 +11,8 @@ namespace {
 
 /// The first line is asked for; its ten numbers have at most 20 digits each.
 constexpr std::size_t StatBytes = 256;
+/// A line a processor, and behind them a line of all interrupts that is not needed.
+constexpr std::size_t ProcessorsBytes = 64 << 10;
 constexpr std::size_t MeminfoBytes = 8 << 10;
 /// Some thousand interfaces.
 constexpr std::size_t NetDevBytes = 256 << 10;
@@ -41,6 +43,13 @@ std::optional<CPUTicks> LinuxHostStatistics::cpuTicks() {
     return sampled(cpu_, [this] {
         const auto text = statFile_.read(StatBytes);
         return text ? ProcFigures::parseStat(*text) : std::nullopt;
+    });
+}
+
+const std::vector<ProcessorTimes>& LinuxHostStatistics::processors() {
+    return sampled(processors_, [this] {
+        const auto text = statFile_.read(ProcessorsBytes);
+        return text ? ProcFigures::parseProcessors(*text) : std::vector<ProcessorTimes>();
     });
 }
 

@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Ostrel {
 
@@ -21,6 +22,7 @@ public:
     std::optional<MemoryFigures> swap() override { return memory().swap; }
     std::optional<FileSystemFigures> fileSystem(const std::string& path) override;
     std::optional<NetworkBytes> networkBytes() override;
+    const std::vector<ProcessorTimes>& processors() override;
 
 private:
     /// What a source said, and in which wake.
@@ -38,6 +40,7 @@ private:
     ProcFile meminfoFile_;
     ProcFile netDevFile_;
     Sample<std::optional<CPUTicks>> cpu_;
+    Sample<std::vector<ProcessorTimes>> processors_;
     Sample<ProcFigures::Memory> memory_;
     Sample<std::optional<NetworkBytes>> network_;
     /// As many as the skins name paths.

@@ -82,6 +82,29 @@ std::optional<CPUTicks> parseStat(std::string_view text) {
     return CPUTicks{user, system + irq + softIRQ, idle + ioWait, nice};
 }
 
+std::vector<ProcessorTimes> parseProcessors(std::string_view text) {
+    constexpr std::size_t MaximumProcessors = 4096;
+    std::vector<ProcessorTimes> processors;
+    if (!text.starts_with("cpu "))
+        return processors;
+    while (text.starts_with("cpu")) {
+        auto line = takeLine(text);
+        line.remove_prefix(3);
+        const auto number = line.starts_with(' ') ? std::optional<std::uint64_t>(0) : takeNumber(line);
+        std::array<std::uint64_t, 8> numbers{};
+        if (!number || takeNumbers(line, numbers) < 4)
+            continue;
+        const auto position = processors.empty() ? 0 : static_cast<std::size_t>(*number) + 1;
+        if (position >= MaximumProcessors || position < processors.size())
+            continue;
+        processors.resize(position + 1);
+        // Guest time is in `user` already.
+        const auto [user, nice, system, idle, ioWait, irq, softIRQ, steal] = numbers;
+        processors.back() = {user + nice + system + irq + softIRQ + steal, idle + ioWait};
+    }
+    return processors;
+}
+
 Memory parseMeminfo(std::string_view text) {
     MeminfoLines lines;
     while (!text.empty()) {

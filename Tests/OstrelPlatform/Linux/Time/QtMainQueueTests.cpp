@@ -21,6 +21,10 @@ public:
     std::optional<MemoryFigures> swap() override { return {}; }
     std::optional<FileSystemFigures> fileSystem(const std::string&) override { return {}; }
     std::optional<NetworkBytes> networkBytes() override { return {}; }
+    const std::vector<ProcessorTimes>& processors() override { return none_; }
+
+private:
+    std::vector<ProcessorTimes> none_;
 };
 
 class QtMainQueueTest : public testing::Test {

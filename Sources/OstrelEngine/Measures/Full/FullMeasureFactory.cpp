@@ -1,0 +1,85 @@
+#include "OstrelEngine/Measures/Full/FullMeasureFactory.h"
+
+#include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/Full/FullCalcMeasure.h"
+#include "OstrelEngine/Measures/Full/FullMemoryMeasure.h"
+#include "OstrelEngine/Measures/Full/FullProcessorMeasure.h"
+#include "OstrelEngine/Measures/Full/FullStringMeasure.h"
+#include "OstrelEngine/Measures/Full/FullValueShaping.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace Ostrel::FullMeasureFactory {
+
+namespace {
+
+using Make = std::unique_ptr<BaseMeasure> (*)(const MeasureDefinition&, FullMeasureHost&);
+
+template <typename Measure>
+std::unique_ptr<BaseMeasure> make(const MeasureDefinition& definition, FullMeasureHost& host) {
+    return std::make_unique<Measure>(definition, host);
+}
+
+/// How a section may name a kind of measure.
+enum class Spelling { Type, Plugin, Both };
+
+constexpr ShapingRules General;
+constexpr ShapingRules OwnBounds{.bounds = ShapingRules::Bounds::Own};
+constexpr ShapingRules OwnBoundsWithTotal{
+    .bounds = ShapingRules::Bounds::Own, .inversion = ShapingRules::Inversion::UnlessTotal};
+constexpr ShapingRules NotInverted{.inversion = ShapingRules::Inversion::Ignored};
+
+struct Row {
+    /// Of a type or a plugin, in upper case.
+    std::string_view name;
+    Spelling spelling;
+    Make make;
+    ShapingRules rules;
+};
+
+constexpr Row Rows[] = {
+    {"CALC", Spelling::Type, make<FullCalcMeasure>, General},
+    {"CPU", Spelling::Type, make<FullProcessorMeasure>, General},
+    {"MEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"PHYSICALMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"STRING", Spelling::Type, make<FullStringMeasure>, NotInverted},
+    {"SWAPMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+};
+
+const Row* find(std::string_view type, std::string_view plugin) {
+    const auto upper = upperCased(trimmed(type));
+    const bool isPlugin = upper == "PLUGIN";
+    const auto name = isPlugin ? pluginName(plugin) : upper;
+    const auto other = isPlugin ? Spelling::Type : Spelling::Plugin;
+    const auto row = std::ranges::find_if(
+        Rows, [&](const Row& candidate) { return candidate.name == name && candidate.spelling != other; });
+    return row == std::end(Rows) ? nullptr : row;
+}
+
+} // namespace
+
+std::string pluginName(std::string_view written) {
+    written = trimmed(written);
+    written.remove_prefix(written.find_last_of("\\/") + 1);
+    if (hasSuffixIgnoringCase(written, ".DLL"))
+        written.remove_suffix(4);
+    return upperCased(written);
+}
+
+bool isServed(std::string_view type, std::string_view plugin) {
+    return find(type, plugin) != nullptr;
+}
+
+std::unique_ptr<BaseMeasure> create(const MeasureDefinition& definition, FullMeasureHost& host) {
+    const auto* row = find(definition.measureType, definition.pluginName.value_or(""));
+    if (!row) {
+        host.log(LogLevel::Warning, definition.sectionName,
+            "Nothing serves the measure " + definition.pluginName.value_or(definition.measureType));
+    }
+    auto measure = row ? row->make(definition, host) : std::make_unique<StubMeasure>(definition, std::string());
+    measure->setShaping(std::make_unique<FullValueShaping>(row ? row->rules : General, host, *measure));
+    return measure;
+}
+
+} // namespace Ostrel::FullMeasureFactory

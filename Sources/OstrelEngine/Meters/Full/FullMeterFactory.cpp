@@ -1,0 +1,47 @@
+#include "OstrelEngine/Meters/Full/FullMeterFactory.h"
+
+#include "OstrelCore/Text/Text.h"
+
+#include <string_view>
+#include <utility>
+
+namespace Ostrel::FullMeterFactory {
+
+namespace {
+
+class UnknownMeter final : public FullMeter {
+public:
+    using FullMeter::FullMeter;
+
+protected:
+    void readOptions() override { }
+    void takeValues(MeasureValues) override { }
+    Size contentSize(std::optional<double>, std::optional<double>) const override { return {}; }
+    void drawContent(QPainter&) override { }
+    bool isDrawn() const override { return false; }
+};
+
+template <typename Meter>
+std::shared_ptr<FullMeter> make(const MeterDefinition& definition, Options options, const FullMeterContext& context) {
+    return std::make_shared<Meter>(definition, std::move(options), context);
+}
+
+struct Row {
+    std::string_view type;
+    std::shared_ptr<FullMeter> (*make)(const MeterDefinition&, Options, const FullMeterContext&);
+};
+
+constexpr Row Rows[] = {
+    {"", make<UnknownMeter>},
+};
+
+} // namespace
+
+std::shared_ptr<FullMeter> create(const MeterDefinition& definition, Options options, const FullMeterContext& context) {
+    for (const auto& row : Rows)
+        if (equalsIgnoringCase(row.type, definition.meterType))
+            return row.make(definition, std::move(options), context);
+    return make<UnknownMeter>(definition, std::move(options), context);
+}
+
+} // namespace Ostrel::FullMeterFactory
