@@ -4,6 +4,7 @@
 #include "OstrelEngine/Measures/Full/FullCalcMeasure.h"
 #include "OstrelEngine/Measures/Full/FullMemoryMeasure.h"
 #include "OstrelEngine/Measures/Full/FullProcessorMeasure.h"
+#include "OstrelEngine/Measures/Full/FullScriptMeasure.h"
 #include "OstrelEngine/Measures/Full/FullStringMeasure.h"
 #include "OstrelEngine/Measures/Full/FullValueShaping.h"
 
@@ -43,6 +44,7 @@ constexpr Row Rows[] = {
     {"CPU", Spelling::Type, make<FullProcessorMeasure>, General},
     {"MEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
     {"PHYSICALMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"SCRIPT", Spelling::Type, make<FullScriptMeasure>, General},
     {"STRING", Spelling::Type, make<FullStringMeasure>, NotInverted},
     {"SWAPMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
 };
