@@ -27,9 +27,9 @@ TEST(FullScriptMeasure, UpdateGivesNumberTextOrBoth) {
         const char* text;
         bool prefersText;
     };
-    const Case cases[] = {{"", 0, "", true}, {"nil", 0, "", true}, {"3.5", 3.5, "", false},
-        {"' 7 '", 7, " 7 ", true}, {"'off'", 0, "off", true}, {"2, 'two'", 2, "two", true},
-        {"'two', 2", 2, "two", true}, {"'nan'", 0, "nan", true}, {"'1,5'", 0, "1,5", true}};
+    const Case cases[] = {{"", 0, "", true}, {"nil", 0, "", true}, {"3.5", 3.5, "", false}, {"' 7 '", 7, " 7 ", true},
+        {"'off'", 0, "off", true}, {"2, 'two'", 2, "two", true}, {"'two', 2", 2, "two", true},
+        {"'nan'", 0, "nan", true}, {"'1,5'", 0, "1,5", true}};
     for (const auto& [result, number, text, prefersText] : cases) {
         ScriptedSkin skin;
         auto& measure = skin.script("function Update() return " + std::string(result) + " end");
@@ -49,8 +49,8 @@ TEST(FullScriptMeasure, LifeOfAScript) {
                                 "function Initialize() n = n + 1 print(PROPERTIES.Color) end\n"
                                 "function Update() n = n + 1 return n end",
         "S", {{"Color", "red"}});
-    EXPECT_EQ(skin.lines, (std::vector<std::string>{"allow " + skin.packFolders.root + "S.lua", "log S body\tS",
-                              "log S red"}));
+    EXPECT_EQ(skin.lines,
+        (std::vector<std::string>{"allow " + skin.packFolders.root + "S.lua", "log S body\tS", "log S red"}));
     measure.update();
     EXPECT_EQ(measure.value().numericValue, 3);
     // Calling it from Lua changes no value.
@@ -98,7 +98,8 @@ TEST(FullScriptMeasure, SkinObject) {
         {"SKIN:GetMeasure('m'):GetOption('Other', '', false)", "5-"},
         {"SKIN:GetMeasure('M'):GetNumberOption('Other') + SELF:GetNumberOption('none', 2)", "7"},
         {"SKIN:GetMeter('Label'):GetName() .. SKIN:GetMeter('Label'):GetOption('Text')", "Labelshown"},
-        {"(function(m) return m:GetX() + m:GetY() + m:GetX(true) * 100 + m:GetW() * m:GetH() end)(SKIN:GetMeter('Label'))",
+        {"(function(m) return m:GetX() + m:GetY() + m:GetX(true) * 100 + m:GetW() * m:GetH() "
+         "end)(SKIN:GetMeter('Label'))",
             "2303"}};
     for (const auto& [expression, result] : cases)
         EXPECT_EQ(skin.lua(expression), result) << expression << skin.lastLine();
@@ -132,11 +133,12 @@ TEST(FullScriptMeasure, BangsAndCommands) {
 
 TEST(FullScriptMeasure, InlineCallsTypeTheirArguments) {
     ScriptedSkin skin;
-    auto& script = *skin.script("name = 'n' flag = true\n"
-                                "function Show(...) local s = '' for i = 1, select('#', ...) do\n"
-                                "local v = select(i, ...) s = s .. type(v) .. '=' .. tostring(v) .. ';' end return s end\n"
-                                "function Half(x) return x / 2 end function None() end function Yes() return true end")
-                        .script();
+    auto& script
+        = *skin.script("name = 'n' flag = true\n"
+                       "function Show(...) local s = '' for i = 1, select('#', ...) do\n"
+                       "local v = select(i, ...) s = s .. type(v) .. '=' .. tostring(v) .. ';' end return s end\n"
+                       "function Half(x) return x / 2 end function None() end function Yes() return true end")
+               .script();
     EXPECT_EQ(script.callFunction("Show", {"1.5", "(2+3)", "'it's'", "\"a, b\"", "true", "nil", "word", "os.exit()"}),
         "number=1.5;number=5;string=it's;string=a, b;boolean=true;nil=nil;nil=nil;nil=nil;");
     EXPECT_EQ(script.callFunction("Half", {"3"}), "1.5");
@@ -159,11 +161,14 @@ TEST(FullScriptMeasure, PatternsAreThoseOfTheLanguage) {
         "('THE (quick) fox'):find('%f[%a]%a+%f[%A]') == 1", "('[[x]]'):find('[[]') == 1",
         "('a-b]c'):match('[%]-]+') == '-'", "('x^y'):match('[x^]+') == 'x^'", "('abab'):match('(ab)%1') == 'ab'",
         "('hello'):find('') == 1", "('hello'):find('l', -2) == 4", "('hello'):match('()ll()') == 3",
-        "('a,b,,c'):gsub(',', ';') == 'a;b;;c'", "(function() local n = 0 for w in ('a bc d'):gmatch('%a+') do n = n + #w "
-        "end return n end)() == 4", "('x'):rep(3) == 'xxx' and ('x'):rep(-1) == ''", "('0x1F'):match('^0[xX](%x+)$') == '1F'",
+        "('a,b,,c'):gsub(',', ';') == 'a;b;;c'",
+        "(function() local n = 0 for w in ('a bc d'):gmatch('%a+') do n = n + #w "
+        "end return n end)() == 4",
+        "('x'):rep(3) == 'xxx' and ('x'):rep(-1) == ''", "('0x1F'):match('^0[xX](%x+)$') == '1F'",
         "('a\\0b'):find('%z') == 2", "('aXb'):gsub('%u', '%%') == 'a%b'", "not pcall(string.find, 'a', '(a')",
-        "not pcall(string.find, 'a', '[a')", "not pcall(string.find, 'a', '%')", "not pcall(string.gsub, 'a', 'a', '%2')",
-        "('day'):match('d?a?y?$') == 'day'", "unpack({1, 2}) == 1 and table.getn({1, 2}) == 2 and math.pow(2, 3) == 8",
+        "not pcall(string.find, 'a', '[a')", "not pcall(string.find, 'a', '%')",
+        "not pcall(string.gsub, 'a', 'a', '%2')", "('day'):match('d?a?y?$') == 'day'",
+        "unpack({1, 2}) == 1 and table.getn({1, 2}) == 2 and math.pow(2, 3) == 8",
         "string.format('%d %5.2f', 3.7, 1) == '3  1.00'", "tostring(1.5) == '1.5' and tonumber('1.5') == 1.5",
         "os.clock() < os.clock() + 1 and os.date('*t').year > 2000 and os.setlocale('C') == nil"};
     for (const auto* truth : truths) {
@@ -178,17 +183,20 @@ TEST(FullScriptMeasure, FilesOfItsPack) {
     skin.folder.write("Skins/Other/Help.lua", "return ...  or 'helped'");
     skin.variables["S"] = skin.packFolders.settings;
     const std::pair<const char*, const char*> cases[] = {
-        {"(function() local s = '' for l in io.lines(SKIN:MakePathAbsolute('data.TXT')) do s = s .. l .. '|' end return s "
+        {"(function() local s = '' for l in io.lines(SKIN:MakePathAbsolute('data.TXT')) do s = s .. l .. '|' end "
+         "return s "
          "end)()",
             "one|two 2.5||last|"},
         {"(function() local f = io.open('Data.txt', 'rb') local s = f:read('*a') f:close() return #s end)()", "20"},
-        {"(function() local f = io.open('Data.txt') f:seek('set', 7) local n, r = f:read('*n', '*a') return n .. #r end)()",
+        {"(function() local f = io.open('Data.txt') f:seek('set', 7) local n, r = f:read('*n', '*a') return n .. #r "
+         "end)()",
             "2.56"},
         {"dofile(SKIN:MakePathAbsolute('..\\\\Other\\\\help.lua'))", "helped"},
         {"(function() local f = io.open(SKIN:GetVariable('S') .. 'new.txt', 'w') f:write('a\\n', 1) f:close() return "
          "io.open(SKIN:GetVariable('S') .. 'new.txt'):read('*a') end)()",
             "a\n1"},
-        {"(function() local f = io.open('Data.txt', 'a') f:write('\\nmore') return io.type(f) .. tostring(f:close()) .. "
+        {"(function() local f = io.open('Data.txt', 'a') f:write('\\nmore') return io.type(f) .. tostring(f:close()) "
+         ".. "
          "io.type(f) end)()",
             "filetruefile (closed)"},
         {"tostring(os.rename('Data.txt', 'Moved.txt')) .. tostring(os.remove('Moved.txt')) .. "
@@ -253,8 +261,9 @@ TEST(FullScriptMeasure, NothingReachesOutside) {
 TEST(FullScriptMeasure, HostileScriptsAreCutOff) {
     const char* const bodies[] = {"while true do end", "while true do pcall(function() while true do end end) end",
         "local t = {} while true do t[#t + 1] = ('x'):rep(100000) end", "return ('x'):rep(1e9)",
-        "return (''):rep(1e18)", "local s = 'x' while true do s = s .. s end", "local function f() return 1 + f() end f()",
-        "local function f() pcall(f) end f()", "local function f() coroutine.wrap(f)() end f()",
+        "return (''):rep(1e18)", "local s = 'x' while true do s = s .. s end",
+        "local function f() return 1 + f() end f()", "local function f() pcall(f) end f()",
+        "local function f() coroutine.wrap(f)() end f()",
         "local function f() return coroutine.resume(coroutine.create(f)) end f()",
         "while true do coroutine.wrap(function() while true do end end)() end",
         "local s = ('a'):rep(20000) return s:find(('.-'):rep(12) .. 'b')", "return ('x'):find(('x?'):rep(100000))",
@@ -262,10 +271,12 @@ TEST(FullScriptMeasure, HostileScriptsAreCutOff) {
         "local t = setmetatable({}, {}) getmetatable(t).__index = t return t.x",
         "return loadstring(('('):rep(100000))()", "local t = {} for i = 1, 1e9 do t[i] = i end",
         "table.insert({}, -2000000000, 1)", "string.gsub(('x'):rep(1e6), 'x', function() while true do end end)",
-        "table.sort({3, 1, 2}, function() while true do end end)", "error({})", "error(setmetatable({}, {__tostring = "
-        "function() while true do end end}))", "string.format('%s', setmetatable({}, {__tostring = error}))",
-        "SKIN:ReplaceVariables(('x'):rep(1e9))", "return unpack({}, 1, 1e8)", "return ('x'):rep(1e6):byte(1, -1)",
-        "return math.floor(('9'):rep(1e6))", "xpcall(function() while true do end end, function() while true do end end)"};
+        "table.sort({3, 1, 2}, function() while true do end end)", "error({})",
+        "error(setmetatable({}, {__tostring = "
+        "function() while true do end end}))",
+        "string.format('%s', setmetatable({}, {__tostring = error}))", "SKIN:ReplaceVariables(('x'):rep(1e9))",
+        "return unpack({}, 1, 1e8)", "return ('x'):rep(1e6):byte(1, -1)", "return math.floor(('9'):rep(1e6))",
+        "xpcall(function() while true do end end, function() while true do end end)"};
     for (const std::string body : bodies) {
         ScriptedSkin skin;
         skin.folder.write("Skins/Pack/H.lua", "function Hang() " + body + " end function Update() return 7 end");
