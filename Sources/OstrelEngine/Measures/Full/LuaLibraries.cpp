@@ -126,6 +126,22 @@ int rawSet(lua_State* lua) {
     return 1;
 }
 
+/// The handler runs when the error has been caught. The library's own runs it where the error arises: within the hook
+/// that ends a call, where no hook would end the handler.
+int protectedCall(lua_State* lua) {
+    lua_settop(lua, 2);
+    lua_insert(lua, 1);
+    const bool isDone = lua_pcall(lua, 0, LUA_MULTRET, 0) == 0;
+    lua_pushboolean(lua, isDone);
+    if (isDone) {
+        lua_replace(lua, 1);
+        return lua_gettop(lua);
+    }
+    lua_insert(lua, 1);
+    lua_call(lua, 1, 1);
+    return 2;
+}
+
 /// Upvalue: the library's own `resume`, which nests without counting.
 int resume(lua_State* lua) {
     LuaState::of(lua).check(lua, 1);
@@ -146,6 +162,21 @@ int wrap(lua_State* lua) {
     lua_call(lua, lua_gettop(lua) - 1, 1);
     lua_pushcclosure(lua, resumeWrapped, 1);
     return 1;
+}
+
+/// Upvalue: the library's own `insert` or `remove`, which move the elements behind the place within one instruction.
+int moveElements(lua_State* lua) {
+    constexpr long long ElementsPerInstruction = 8;
+    luaL_checktype(lua, 1, LUA_TTABLE);
+    // `insert` would walk from the end to a place far below the first.
+    if (lua_gettop(lua) == 3 && luaL_checknumber(lua, 2) < 1)
+        luaL_argerror(lua, 2, "position out of bounds");
+    if (lua_gettop(lua) > 1)
+        LuaState::of(lua).check(lua, static_cast<long long>(lua_objlen(lua, 1)) / ElementsPerInstruction);
+    lua_pushvalue(lua, lua_upvalueindex(1));
+    lua_insert(lua, 1);
+    lua_call(lua, lua_gettop(lua) - 1, LUA_MULTRET);
+    return lua_gettop(lua);
 }
 
 /// Scripts measure their animations with it: time that passes, not time that is computed.
@@ -249,7 +280,7 @@ void openBase(lua_State* lua) {
         lua_setfield(lua, -2, name);
     }
     static constexpr luaL_Reg Replaced[] = {{"print", print}, {"load", load}, {"loadstring", loadString},
-        {"loadfile", loadFile}, {"dofile", doFile}, {"rawset", rawSet}, {nullptr, nullptr}};
+        {"loadfile", loadFile}, {"dofile", doFile}, {"rawset", rawSet}, {"xpcall", protectedCall}, {nullptr, nullptr}};
     setFunctions(lua, Replaced);
     lua_pop(lua, 1);
 
@@ -288,12 +319,15 @@ void pushObjectMetatable(lua_State* lua, const luaL_Reg* methods) {
 void openLuaLibraries(lua_State* lua) {
     openBase(lua);
     openOS(lua);
-    static constexpr luaL_Reg Unchanged[] = {{LUA_TABLIBNAME, luaopen_table}, {LUA_MATHLIBNAME, luaopen_math}};
-    for (const auto& [name, library] : Unchanged) {
-        open(lua, library, name);
-        lua_getglobal(lua, name);
-        setLibrary(lua, name);
-    }
+    open(lua, luaopen_math, LUA_MATHLIBNAME);
+    lua_getglobal(lua, LUA_MATHLIBNAME);
+    setLibrary(lua, LUA_MATHLIBNAME);
+
+    open(lua, luaopen_table, LUA_TABLIBNAME);
+    lua_getglobal(lua, LUA_TABLIBNAME);
+    wrapFunction(lua, "insert", moveElements);
+    wrapFunction(lua, "remove", moveElements);
+    setLibrary(lua, LUA_TABLIBNAME);
 
     open(lua, luaopen_string, LUA_STRLIBNAME);
     lua_getglobal(lua, LUA_STRLIBNAME);

@@ -62,6 +62,16 @@ ScriptValue valueAt(lua_State* lua, int index) {
     }
 }
 
+/// Errors with file and line of the script, whether a function or the hook asks: for a hook the script is level 0.
+void failAtLine(lua_State* lua, const char* message) {
+    lua_Debug place;
+    const bool isScript = lua_getstack(lua, 0, &place) != 0 && lua_getinfo(lua, "S", &place) != 0 && *place.what != 'C';
+    luaL_where(lua, isScript ? 0 : 1);
+    lua_pushstring(lua, message);
+    lua_concat(lua, 2);
+    lua_error(lua);
+}
+
 std::string errorText(lua_State* lua) {
     std::size_t size = 0;
     // Numbers are not turned into text: that allocates, and nothing catches the error of it here.
@@ -170,13 +180,13 @@ void LuaState::check(lua_State* lua, long long instructions) {
     if (!isExpired_ && instructionsLeft_ > 0 && Clock::now() < deadline_) {
         const auto here = stackPosition();
         if ((here < stackBase ? stackBase - here : here - stackBase) > MaxStack)
-            luaL_error(lua, "stack overflow");
+            failAtLine(lua, "stack overflow");
         return;
     }
     isExpired_ = true;
     // From now on at each instruction, so that no script that catches errors goes on.
     lua_sethook(lua, countHook, LUA_MASKCOUNT, 1);
-    luaL_error(lua, "the script takes too long");
+    failAtLine(lua, "the script takes too long");
 }
 
 void LuaState::load(lua_State* lua, std::string_view code, const std::string& name) {
