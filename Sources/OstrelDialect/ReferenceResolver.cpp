@@ -160,7 +160,9 @@ std::string finished(std::string_view text, bool keepMarks) {
     std::size_t copied = 0;
     for (auto at = findFrom(text, 0, EscapeStarts); at < text.size(); at = findFrom(text, at, EscapeStarts)) {
         if (text[at] == LiteralMarks::Lead) {
-            const auto end = LiteralMarks::regionEnd(text, at);
+            // A mark that closes nothing goes too.
+            const bool isStray = LiteralMarks::isAt(text, at, LiteralMarks::Close);
+            const auto end = isStray ? at + LiteralMarks::Close.size() : LiteralMarks::regionEnd(text, at);
             if (end == at) {
                 ++at;
                 continue;
