@@ -58,7 +58,7 @@ TEST(FullText, formatsNumbersAndFillsPlaces) {
         {{number(std::numeric_limits<double>::quiet_NaN())}, {}, "0"},
         {{number(1), number(2)}, {{"Text", "%2-%1-%3 %12 %0 100%"}}, "2-1-%3 12 %0 100%"},
         {{textValue("%2"), textValue("#CRLF#")}, {{"Text", "%1 %2"}}, "%2 #CRLF#"},
-        {{textValue("b")}, {{"Text", "a#CRLF#%1"}, {"Prefix", "< "}, {"Postfix", " >"}}, "< a\nb >"},
+        {{textValue("b")}, {{"Text", "a#CRLF#%1"}, {"Prefix", "\"< \""}, {"Postfix", "\" >\""}}, "< a\nb >"},
         {{}, {}, ""},
         {{}, {{"Text", "\"  two  \""}}, "two"},
         {{}, {{"Text", "\"  two  \""}, {"TrailingSpaces", "1"}}, "  two  "},
@@ -83,18 +83,18 @@ TEST(FullText, takesTheBoxOfItsLines) {
     FullMeterWorkshop workshop;
     const Boxed rows[] = {
         // Points are 4/3 pixels; nothing is added, fractions are dropped.
-        {{{"Text", "Hello World"}, {"FontSize", "30"}}, {206, 44}, {0, 0}},
-        {{{"Text", "Hello World"}, {"FontSize", "(15*2)"}, {"StringAlign", "CentreCentre"}}, {206, 44}, {103, 22}},
-        {{{"Text", "Hello#CRLF#World"}, {"FontSize", "30"}, {"StringAlign", "RightBottom"}}, {102, 89}, {102, 89}},
-        {{{"Text", "Hello World   "}, {"FontSize", "30"}}, {206, 44}, {0, 0}},
+        {{{"Text", "Hello World"}, {"FontSize", "30"}}, {205, 44}, {0, 0}},
+        {{{"Text", "Hello World"}, {"FontSize", "(15*2)"}, {"StringAlign", "CentreCentre"}}, {205, 44}, {102, 22}},
+        {{{"Text", "Hello#CRLF#World"}, {"FontSize", "30"}, {"StringAlign", "RightBottom"}}, {103, 89}, {103, 89}},
+        {{{"Text", "Hello World   "}, {"FontSize", "30"}}, {205, 44}, {0, 0}},
         {{{"Text", "Hello World"}, {"FontSize", "0"}, {"StringAlign", "LeftCenter"}}, {68, 14}, {0, 7}},
         {{{"Text", ""}}, {0, 14}, {0, 0}},
         {{{"Text", "Hello World"}, {"FontSize", "30"}, {"W", "50"}, {"Padding", "5,1,10,2"}, {"StringAlign", "Right"}},
             {65, 47}, {65, 0}},
         {{{"Text", "Hello World"}, {"FontSize", "30"}, {"W", "50"}, {"ClipString", "1"}}, {50, 44}, {0, 0}},
         {{{"Text", "Hello World"}, {"FontSize", "30"}, {"W", "110"}, {"ClipString", "2"}}, {110, 89}, {0, 0}},
-        {{{"Text", "Hello World"}, {"FontSize", "30"}, {"ClipStringW", "150"}, {"ClipString", "2"}}, {102, 89}, {0, 0}},
-        {{{"Text", "Hello World"}, {"FontSize", "30"}, {"H", "50"}, {"ClipString", "2"}}, {206, 50}, {0, 0}},
+        {{{"Text", "Hello World"}, {"FontSize", "30"}, {"ClipStringW", "150"}, {"ClipString", "2"}}, {103, 89}, {0, 0}},
+        {{{"Text", "Hello World"}, {"FontSize", "30"}, {"H", "50"}, {"ClipString", "2"}}, {205, 50}, {0, 0}},
         {{{"Text", "aaa"}, {"InlineSetting", "Size|30"}, {"InlinePattern", "^a"}}, {37, 44}, {0, 0}},
     };
     for (const auto& row : rows) {
@@ -129,7 +129,8 @@ TEST(FullText, boundsWhatHostileOptionsCost) {
     many.set("Text", std::string(20'000, 'a') + " b");
     for (int i = 1; i < 400; ++i) {
         const auto number = i > 1 ? std::to_string(i) : std::string();
-        many.set("InlineSetting" + number, i % 2 ? "GradientColor|0|0,0,0;0|255,255,255;1" : "Shadow|1e9|-1e9|1e9|0,0,0");
+        many.set(
+            "InlineSetting" + number, i % 2 ? "GradientColor|0|0,0,0;0|255,255,255;1" : "Shadow|1e9|-1e9|1e9|0,0,0");
         many.set("InlinePattern" + number, i % 3 ? "a" : "x*");
     }
     const OptionPairs hostile[] = {
@@ -149,7 +150,7 @@ TEST(FullText, boundsWhatHostileOptionsCost) {
         const Size box = meter->boxSize();
         EXPECT_TRUE(box.width >= 0 && box.width < 1e8 && box.height >= 0 && box.height < 1e8);
     }
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
 } // namespace

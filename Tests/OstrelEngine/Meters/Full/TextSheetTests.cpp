@@ -58,15 +58,15 @@ protected:
         add(260, 165,
             {{"Text", text}, {"ClipStringW", "110"}, {"ClipStringH", "36"}, {"ClipString", "2"},
                 {"SolidColor", "0,200,80,70"}});
-        add(390, 165,
-            {{"Text", "short"}, {"ClipStringW", "110"}, {"ClipString", "2"}, {"SolidColor", "0,200,80,70"}});
+        add(390, 165, {{"Text", "short"}, {"ClipStringW", "110"}, {"ClipString", "2"}, {"SolidColor", "0,200,80,70"}});
         add(500, 200,
             {{"Text", text}, {"W", "90"}, {"H", "60"}, {"ClipString", "2"}, {"StringAlign", "Right"},
                 {"SolidColor", "0,200,80,70"}});
     }
 
     void addEffects() {
-        add(10, 260, {{"Text", "Shadow"}, {"FontSize", "18"}, {"StringEffect", "Shadow"}, {"FontColor", "255,255,255"}});
+        add(10, 260,
+            {{"Text", "Shadow"}, {"FontSize", "18"}, {"StringEffect", "Shadow"}, {"FontColor", "255,255,255"}});
         add(120, 260,
             {{"Text", "Border"}, {"FontSize", "18"}, {"StringEffect", "Border"}, {"FontColor", "255,255,255"},
                 {"FontEffectColor", "200,0,0"}});
@@ -113,18 +113,18 @@ protected:
                 {"InlinePattern", "condensed"}, {"InlineSetting2", "Case | Sentence"},
                 {"InlinePattern2", "(CASES.*)"}});
         add(10, 500,
-            {{"Text", "abc \xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D 12 \xD8\xB3\xD9\x84\xD8\xA7\xD9\x85 def"}, {"FontSize", "14"},
-                {"InlineSetting", "Size | 20"}, {"InlinePattern", "\xD7\x9C\xD7\x95"},
+            {{"Text", "abc \xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D 12 \xD8\xB3\xD9\x84\xD8\xA7\xD9\x85 def"},
+                {"FontSize", "14"}, {"InlineSetting", "Size | 20"}, {"InlinePattern", "\xD7\x9C\xD7\x95"},
                 {"InlineSetting2", "Color | 0,130,0"}, {"InlinePattern2", "\xD7\x95\xD7\x9D"}});
         add(270, 500,
             {{"Text", "over each other"}, {"InlineSetting", "Color | 255,0,0"}, {"InlinePattern", "over each"},
-                {"InlineSetting2", "Color | 0,0,255"}, {"InlinePattern2", "each other"}, {"InlineSetting3", "Weight|700"},
-                {"InlinePattern3", "(o).*(o)"}, {"FontSize", "14"}});
+                {"InlineSetting2", "Color | 0,0,255"}, {"InlinePattern2", "each other"},
+                {"InlineSetting3", "Weight|700"}, {"InlinePattern3", "(o).*(o)"}, {"FontSize", "14"}});
     }
 
     QImage painted(double scale, const QRect& clip) {
-        QImage canvas(static_cast<int>(Width * scale), static_cast<int>(Height * scale),
-            QImage::Format_ARGB32_Premultiplied);
+        QImage canvas(
+            static_cast<int>(Width * scale), static_cast<int>(Height * scale), QImage::Format_ARGB32_Premultiplied);
         canvas.fill(QColor(200, 205, 210));
         QPainter painter(&canvas);
         painter.setClipRect(clip);
