@@ -8,6 +8,7 @@
 #include "OstrelEngine/Measures/Full/FullMemoryMeasure.h"
 #include "OstrelEngine/Measures/Full/FullNowPlayingMeasure.h"
 #include "OstrelEngine/Measures/Full/FullProcessorMeasure.h"
+#include "OstrelEngine/Measures/Full/FullScriptMeasure.h"
 #include "OstrelEngine/Measures/Full/FullStringMeasure.h"
 #include "OstrelEngine/Measures/Full/FullTimeMeasure.h"
 #include "OstrelEngine/Measures/Full/FullUptimeMeasure.h"
@@ -56,6 +57,7 @@ constexpr Row Rows[] = {
     {"MEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
     {"NOWPLAYING", Spelling::Both, make<FullNowPlayingMeasure>, General},
     {"PHYSICALMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"SCRIPT", Spelling::Type, make<FullScriptMeasure>, General},
     {"STRING", Spelling::Type, make<FullStringMeasure>, NotInverted},
     {"SWAPMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
     {"TIME", Spelling::Type, make<FullTimeMeasure>, General},
