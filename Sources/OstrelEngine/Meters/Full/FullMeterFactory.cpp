@@ -1,6 +1,11 @@
 #include "OstrelEngine/Meters/Full/FullMeterFactory.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Meters/Full/FullBitmapMeter.h"
+#include "OstrelEngine/Meters/Full/FullButtonMeter.h"
+#include "OstrelEngine/Meters/Full/FullImageMeter.h"
+#include "OstrelEngine/Meters/Full/FullRotatorMeter.h"
+#include "OstrelEngine/Meters/Full/FullStringMeter.h"
 
 #include <string_view>
 #include <utility>
@@ -32,7 +37,11 @@ struct Row {
 };
 
 constexpr Row Rows[] = {
-    {"", make<UnknownMeter>},
+    {"String", make<FullStringMeter>},
+    {"Image", make<FullImageMeter>},
+    {"Bitmap", make<FullBitmapMeter>},
+    {"Button", make<FullButtonMeter>},
+    {"Rotator", make<FullRotatorMeter>},
 };
 
 } // namespace
