@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <utility>
 
 namespace Ostrel {
 
@@ -60,11 +61,16 @@ void FullLayout::readOptions(std::size_t position) {
 
 void FullLayout::meterDidChange(std::size_t position) {
     readOptions(position);
+    const bool isHidden = meters_.entry(position).isHidden;
+    if (std::exchange(places_[position].isHidden, isHidden) != isHidden)
+        ++shownRevision_;
     validEnd_ = hasContainers_ || !areContainersCurrent_ ? 0 : std::min(validEnd_, position);
 }
 
 void FullLayout::findContainers() {
     areContainersCurrent_ = true;
+    isChanged_ = true;
+    ++shownRevision_;
     hasContainers_ = false;
     validEnd_ = 0;
     for (auto& place : places_) {
@@ -129,11 +135,12 @@ void FullLayout::place(std::size_t position) {
 
     const Size box = meter.boxSize();
     const Point offset = meter.anchorOffset(box);
-    const bool isHidden = meters_.entry(position).isHidden;
+    const bool isHidden = place.isHidden;
     const MeterFrame frame{std::trunc(static_cast<double>(place.anchorX) - offset.x),
         std::trunc(static_cast<double>(place.anchorY) - offset.y), isHidden ? 0 : box.width, isHidden ? 0 : box.height};
     if (frame == place.frame)
         return;
+    isChanged_ = true;
     place.frame = frame;
     ++place.revision;
 }
@@ -150,6 +157,8 @@ std::uint64_t FullLayout::revision(std::size_t position) {
 
 void FullLayout::apply() {
     layOut(meters_.count());
+    if (!std::exchange(isChanged_, false))
+        return;
     for (std::size_t i = 0; i < places_.size(); ++i) {
         auto& meter = meters_.at(i);
         meter.setFrame(places_[i].frame);
@@ -163,7 +172,7 @@ void FullLayout::apply() {
 
 bool FullLayout::isDrawn(std::size_t position) const {
     const auto& place = places_[position];
-    const auto isShown = [&](std::size_t at) { return !meters_.entry(at).isHidden; };
+    const auto isShown = [&](std::size_t at) { return !places_[at].isHidden; };
     return isShown(position) && !place.isContainer && (!place.container || isShown(*place.container));
 }
 
@@ -171,7 +180,7 @@ Size FullLayout::extent() {
     layOut(meters_.count());
     Size size;
     for (std::size_t i = 0; i < places_.size(); ++i) {
-        if (places_[i].container || meters_.entry(i).isHidden)
+        if (places_[i].container || places_[i].isHidden)
             continue;
         const auto& frame = places_[i].frame;
         size.width = std::max(size.width, frame.x + frame.w);
