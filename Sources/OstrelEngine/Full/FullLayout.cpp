@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <tuple>
 #include <utility>
 
 namespace Ostrel {
@@ -64,7 +65,16 @@ void FullLayout::meterDidChange(std::size_t position) {
     const bool isHidden = meters_.entry(position).isHidden;
     if (std::exchange(places_[position].isHidden, isHidden) != isHidden)
         ++shownRevision_;
-    validEnd_ = hasContainers_ || !areContainersCurrent_ ? 0 : std::min(validEnd_, position);
+    if (hasContainers_ || !areContainersCurrent_) {
+        validEnd_ = 0;
+    } else if (position < validEnd_) {
+        // Most changes move nothing, so that the meters behind can stay.
+        auto& place = places_[position];
+        const auto before = std::tuple(place.anchorX, place.anchorY, place.frame);
+        this->place(position);
+        if (before != std::tuple(place.anchorX, place.anchorY, place.frame))
+            validEnd_ = position + 1;
+    }
 }
 
 void FullLayout::findContainers() {

@@ -314,7 +314,14 @@ void FullSkin::publish() {
                 drawables_.push_back({meters_.entry(i).meter, {}});
         }
     }
-    host_.skinDidPublish(drawables_);
+    // Taken out meanwhile: what is shown may act on the skin and so publish again.
+    auto drawables = std::exchange(drawables_, {});
+    const auto revision = std::exchange(drawnRevision_, 0);
+    host_.skinDidPublish(drawables);
+    if (drawnRevision_ != 0)
+        return;
+    drawables_ = std::move(drawables);
+    drawnRevision_ = revision;
 }
 
 void FullSkin::redraw() {

@@ -61,7 +61,15 @@ void LiveSection::setOption(std::string_view key, std::string_view value) {
     if (const auto* written = raw_.find(key); written && *written == value)
         return;
     raw_.set(key, std::string(value));
+    const bool wasCompiled = std::exchange(compiledRevision_, 0) == revision_;
     ++revision_;
+    const auto entry = std::ranges::find_if(
+        entries_, [&](const Entry& candidate) { return equalsIgnoringCase(candidate.key, key); });
+    if (!wasCompiled || entry == entries_.end())
+        return;
+    *entry = makeEntry(std::string(entry->key), *raw_.find(key));
+    entry->isSet = true;
+    compiledRevision_ = revision_;
 }
 
 ReferenceKinds LiveSection::kinds(const Entry& entry) const {
