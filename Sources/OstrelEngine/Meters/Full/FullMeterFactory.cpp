@@ -1,6 +1,7 @@
 #include "OstrelEngine/Meters/Full/FullMeterFactory.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Meters/Full/FullShapeMeter.h"
 
 #include <string_view>
 #include <utility>
@@ -33,7 +34,7 @@ struct Row {
 };
 
 constexpr Row Rows[] = {
-    {"", make<UnknownMeter>},
+    {"Shape", make<FullShapeMeter>},
 };
 
 } // namespace
