@@ -1,7 +1,8 @@
 #include "OstrelCLI/SkinStateJSON.h"
 
-#include "OstrelEngine/Meters/StringMeter.h"
 #include "OstrelEngine/Runtime/SkinRuntime.h"
+
+#include <utility>
 
 namespace Ostrel {
 
@@ -21,8 +22,8 @@ JSON meterJSON(SkinRuntime& runtime, MeterRenderer& meter) {
     const auto values = runtime.boundValues(meter);
     JSON json{{"name", meter.name()}, {"visible", runtime.isMeterVisible(meter.name())},
         {"frame", rectJSON(meter.frame().rect())}, {"rect", rectJSON(meter.interactionRect(values))}};
-    if (meter.kind() == MeterKind::string)
-        json["text"] = static_cast<StringMeter&>(meter).displayedText(values);
+    if (auto text = meter.displayedText(values))
+        json["text"] = std::move(*text);
     return json;
 }
 

@@ -16,6 +16,11 @@ struct Size {
     double width = 0;
     double height = 0;
 
+    /// Whether both sides are above 0.
+    bool isComplete() const { return width > 0 && height > 0; }
+    /// Each side that is not above 0 comes from `other`.
+    Size filledFrom(Size other) const { return {width > 0 ? width : other.width, height > 0 ? height : other.height}; }
+
     friend bool operator==(const Size&, const Size&) = default;
 };
 

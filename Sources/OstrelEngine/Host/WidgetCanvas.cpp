@@ -122,9 +122,8 @@ void WidgetCanvas::updateUnderlay(const QSize& bounds, double scale) {
         return;
     underlay_.drop();
     const auto end = drawables_.begin() + static_cast<std::ptrdiff_t>(settled);
-    const bool isWorthIt = std::any_of(drawables_.begin(), end, [](const Drawable& drawable) {
-        return drawable.meter->kind() != MeterKind::bar && drawable.meter->kind() != MeterKind::stub;
-    });
+    const bool isWorthIt = std::any_of(
+        drawables_.begin(), end, [](const Drawable& drawable) { return !drawable.meter->isCheapToDraw(); });
     if (!isWorthIt)
         return;
     QPainter painter(&underlay_.begin(settled, bounds, scale));

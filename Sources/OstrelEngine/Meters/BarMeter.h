@@ -13,11 +13,12 @@ public:
     BarMeter(const MeterDefinition& definition, Options options);
     ~BarMeter() override;
 
-    MeterKind kind() const override { return MeterKind::bar; }
     void draw(QPainter& painter, MeasureValues values) override;
     bool updateAppearance(MeasureValues values) override;
     std::optional<Rect> changedPart() const override;
     Rect paintRect(MeasureValues values) override;
+    bool isCheapToDraw() const override { return true; }
+    bool joinsBarRow() const override { return true; }
 
 protected:
     void optionsDidChange() override;

@@ -99,6 +99,15 @@ Rect destinationOf(const QImage& image, const Rect& rect, AspectMode mode) {
     return {rect.x + (rect.width - width) / 2, rect.y + (rect.height - height) / 2, width, height};
 }
 
+/// One side alone keeps the image's proportions.
+Size proportionalSize(Size size, Size image) {
+    if (size.width > 0)
+        return {size.width, (size.width / image.width) * image.height};
+    if (size.height > 0)
+        return {(size.height / image.height) * image.width, size.height};
+    return image;
+}
+
 } // namespace
 
 struct ImageMeter::State {
@@ -203,6 +212,23 @@ bool ImageMeter::updateAppearance(MeasureValues values) {
 
 Rect ImageMeter::paintRect(MeasureValues) {
     return frame().rect();
+}
+
+Size ImageMeter::naturalSize(MeasureValues, Size written) {
+    if (written.isComplete())
+        return written;
+    Size size = written;
+    if (const auto image = imageSize())
+        size = proportionalSize(size, *image);
+    // A picture that is still to come takes a square.
+    const bool isDynamic = option("DynamicVariables"_key) == "1";
+    if (isDynamic && size.width > 0 && !(size.height > 0))
+        size.height = size.width;
+    return size;
+}
+
+bool ImageMeter::isWaitingForLayout() const {
+    return !Size{frame().w, frame().h}.isComplete() && imageSize();
 }
 
 std::optional<Size> ImageMeter::imageSize() const {

@@ -20,10 +20,12 @@ public:
     /// with the skin's folder. The disk is asked for nothing but the nearest "@Resources".
     static std::string resolveImagePath(std::string_view imageName, std::string_view skinPath);
 
-    MeterKind kind() const override { return MeterKind::image; }
     void draw(QPainter& painter, MeasureValues values) override;
     bool updateAppearance(MeasureValues values) override;
     Rect paintRect(MeasureValues values) override;
+    /// Of the loaded image; one written side alone keeps its proportions.
+    Size naturalSize(MeasureValues values, Size written) override;
+    bool isWaitingForLayout() const override;
 
     /// Pixels of the image that is loaded; absent without one.
     std::optional<Size> imageSize() const;

@@ -28,8 +28,6 @@ struct MeterFrame {
     friend bool operator==(const MeterFrame&, const MeterFrame&) = default;
 };
 
-enum class MeterKind { string, bar, image, shape, stub };
-
 using MeasureValues = std::span<const MeasureValue>;
 
 /// A visible item of a skin. The runtime owns it and changes its options and frame; the canvas shows it. Main thread.
@@ -41,7 +39,6 @@ public:
     MeterRenderer& operator=(const MeterRenderer&) = delete;
 
     const std::string& name() const { return name_; }
-    virtual MeterKind kind() const = 0;
 
     const MeterFrame& frame() const { return frame_; }
     void setFrame(const MeterFrame& frame) { frame_ = frame; }
@@ -65,6 +62,24 @@ public:
     virtual std::optional<Rect> changedPart() const { return std::nullopt; }
     /// Holds every pixel that `draw` touches for these values: overhanging glyphs, shadows and strokes included.
     virtual Rect paintRect(MeasureValues values) = 0;
+    /// Whether drawing costs no more than copying the pixels, so that a kept picture of it would gain nothing.
+    virtual bool isCheapToDraw() const { return false; }
+
+    /// The size that the meter takes: the written one, and for each side that is not above 0 the one that its content
+    /// wants. A side that nothing gives stays as it is.
+    virtual Size naturalSize(MeasureValues, Size written) { return written; }
+    /// Whether content has arrived since the last layout that gives a size to a frame without one.
+    virtual bool isWaitingForLayout() const { return false; }
+    /// Whether the layout of visualizer bars may place the meter when its options do not.
+    virtual bool joinsBarRow() const { return false; }
+
+    /// Whether the meter draws options whose measure references are resolved, rather than its own.
+    virtual bool takesResolvedOptions() const { return false; }
+    /// All options with the references resolved, after each change of a value that they name.
+    virtual void setResolvedOptions(Options) { }
+
+    /// The text as it would be drawn; absent for a meter that shows none.
+    virtual std::optional<std::string> displayedText(MeasureValues) { return std::nullopt; }
 
 protected:
     std::optional<std::string_view> option(const CaseKey& key) const { return Ostrel::option(options_, key); }

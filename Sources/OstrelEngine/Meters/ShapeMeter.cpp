@@ -38,7 +38,6 @@ struct ShapeMeter::State {
         return *parsed;
     }
 
-    bool isDynamic = false;
     std::optional<Options> resolvedOptions;
     std::optional<std::vector<ShapePrimitive>> parsed;
     /// What the last draw was told to show.
@@ -47,15 +46,9 @@ struct ShapeMeter::State {
 
 ShapeMeter::ShapeMeter(const MeterDefinition& definition, Options options)
     : MeterRenderer(definition.sectionName, std::move(options))
-    , state_(std::make_unique<State>()) {
-    state_->isDynamic = option("DynamicVariables"_key) == "1";
-}
+    , state_(std::make_unique<State>()) { }
 
 ShapeMeter::~ShapeMeter() = default;
-
-std::optional<Rect> ShapeMeter::inferredBounds(const Options& options) {
-    return ShapeParser::bounds(ShapeParser::parseShapes(options));
-}
 
 void ShapeMeter::draw(QPainter& painter, MeasureValues) {
     painter.setRenderHint(QPainter::Antialiasing, true);
@@ -87,8 +80,15 @@ Rect ShapeMeter::paintRect(MeasureValues) {
     return painted.value_or(Rect());
 }
 
-bool ShapeMeter::isDynamic() const {
-    return state_->isDynamic;
+Size ShapeMeter::naturalSize(MeasureValues, Size written) {
+    if (written.isComplete())
+        return written;
+    const auto bounds = ShapeParser::bounds(ShapeParser::parseShapes(options()));
+    return bounds ? written.filledFrom({bounds->maxX(), bounds->maxY()}) : written;
+}
+
+bool ShapeMeter::takesResolvedOptions() const {
+    return option("DynamicVariables"_key) == "1";
 }
 
 void ShapeMeter::setResolvedOptions(Options options) {

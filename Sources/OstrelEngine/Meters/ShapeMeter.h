@@ -13,19 +13,16 @@ public:
     ShapeMeter(const MeterDefinition& definition, Options options);
     ~ShapeMeter() override;
 
-    /// The union of the shapes that the options describe, relative to the frame's origin; absent when none parses.
-    static std::optional<Rect> inferredBounds(const Options& options);
-
-    MeterKind kind() const override { return MeterKind::shape; }
     void draw(QPainter& painter, MeasureValues values) override;
     Rect interactionRect(MeasureValues values) override;
     bool updateAppearance(MeasureValues values) override;
     Rect paintRect(MeasureValues values) override;
 
-    /// Whether DynamicVariables was on when the meter was made.
-    bool isDynamic() const;
-    /// Options with their measure references replaced; they are drawn in place of the meter's own.
-    void setResolvedOptions(Options options);
+    /// From the frame's origin to the far edges of the shapes that the written options describe.
+    Size naturalSize(MeasureValues values, Size written) override;
+    /// With DynamicVariables.
+    bool takesResolvedOptions() const override;
+    void setResolvedOptions(Options options) override;
 
 protected:
     void optionsDidChange() override;

@@ -157,12 +157,14 @@ Rect StringMeter::paintRect(MeasureValues values) {
     return state_->style.solidColor ? text.united(rect) : text;
 }
 
-Size StringMeter::estimatedSize(MeasureValues values) {
+Size StringMeter::naturalSize(MeasureValues values, Size written) {
+    if (written.isComplete())
+        return written;
     state_->refresh(options(), values);
-    return state_->estimatedSize(std::nullopt);
+    return written.filledFrom(state_->estimatedSize(std::nullopt));
 }
 
-std::string StringMeter::displayedText(MeasureValues values) {
+std::optional<std::string> StringMeter::displayedText(MeasureValues values) {
     state_->refresh(options(), values);
     return state_->text;
 }

@@ -3,6 +3,7 @@
 #include "OstrelEngine/Meters/MeterProtocol.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Ostrel {
@@ -14,7 +15,6 @@ public:
     StringMeter(const MeterDefinition& definition, Options options);
     ~StringMeter() override;
 
-    MeterKind kind() const override { return MeterKind::string; }
     void draw(QPainter& painter, MeasureValues values) override;
     /// Where the text stands: the frame's x is an anchor that depends on StringAlign.
     Rect interactionRect(MeasureValues values) override;
@@ -22,9 +22,9 @@ public:
     Rect paintRect(MeasureValues values) override;
 
     /// The size that the text of these values wants, padding included, on as many lines as it has breaks.
-    Size estimatedSize(MeasureValues values);
-    /// The text as it would be drawn: formatted, cased, line breaks resolved.
-    std::string displayedText(MeasureValues values);
+    Size naturalSize(MeasureValues values, Size written) override;
+    /// Formatted, cased, line breaks resolved.
+    std::optional<std::string> displayedText(MeasureValues values) override;
 
 protected:
     void optionsDidChange() override;

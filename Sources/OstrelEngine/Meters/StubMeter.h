@@ -12,10 +12,10 @@ public:
     StubMeter(const MeterDefinition& definition, Options options);
     ~StubMeter() override;
 
-    MeterKind kind() const override { return MeterKind::stub; }
     void draw(QPainter& painter, MeasureValues values) override;
     bool updateAppearance(MeasureValues) override { return false; }
     Rect paintRect(MeasureValues values) override;
+    bool isCheapToDraw() const override { return true; }
 
 protected:
     void optionsDidChange() override { }

@@ -1,7 +1,6 @@
 #include "OstrelEngine/Runtime/DynamicOptions.h"
 
 #include "OstrelEngine/Measures/MeasureProtocol.h"
-#include "OstrelEngine/Meters/ShapeMeter.h"
 #include "OstrelEngine/Runtime/MeterTable.h"
 #include "OstrelEngine/Runtime/RuntimeExpressions.h"
 
@@ -17,7 +16,7 @@ DynamicOptions::DynamicOptions(
 
 void DynamicOptions::resolveDynamicOptions(std::size_t position) {
     auto& meter = meters_.at(position);
-    if (meter.kind() != MeterKind::shape || option(meter.options(), "DynamicVariables"_key) != "1")
+    if (!meter.takesResolvedOptions())
         return;
     resolutions_.resize(meters_.count());
     auto& resolution = resolutions_[position];
@@ -35,7 +34,7 @@ void DynamicOptions::resolveDynamicOptions(std::size_t position) {
     resolved.reserve(meter.options().count());
     for (const auto& entry : meter.options())
         resolved.set(entry.key, expressions_.resolveMeasureReferences(entry.value));
-    static_cast<ShapeMeter&>(meter).setResolvedOptions(std::move(resolved));
+    meter.setResolvedOptions(std::move(resolved));
 }
 
 std::vector<const BaseMeasure*> DynamicOptions::findSources(const Options& options) const {

@@ -2,7 +2,6 @@
 
 #include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/PositionParser.h"
-#include "OstrelEngine/Runtime/InferredSize.h"
 #include "OstrelEngine/Runtime/MeterBindings.h"
 #include "OstrelEngine/Runtime/MeterTable.h"
 #include "OstrelEngine/Runtime/MonstercatBarLayout.h"
@@ -86,7 +85,7 @@ void LayoutResolver::setFallbackFrame(MeterRenderer& meter, const MeterFrame& fr
 MeterFrame LayoutResolver::frame(MeterRenderer& meter, MeasureValues values, const Previous& previous) const {
     const double x = left(meter, previous);
     const double y = top(meter, previous);
-    const Size size = inferredSize(meter, values, writtenSize(meter));
+    const Size size = meter.naturalSize(values, writtenSize(meter));
     return {x, y, size.width, size.height};
 }
 
@@ -134,10 +133,7 @@ void LayoutResolver::fitWidget(double minX, double minY, double maxX, double max
 }
 
 bool LayoutResolver::hasImageWaitingForItsSize() const {
-    return std::ranges::any_of(meters_.all(), [](const auto& meter) {
-        const auto& frame = meter->frame();
-        return (!(frame.w > 0) || !(frame.h > 0)) && loadedImageSize(*meter).has_value();
-    });
+    return std::ranges::any_of(meters_.all(), [](const auto& meter) { return meter->isWaitingForLayout(); });
 }
 
 bool LayoutResolver::shouldMeterOptionTriggerLayout(std::string_view key) {

@@ -54,7 +54,7 @@ MonstercatBarLayout makeMonstercatBarLayout(const Options& variables, const Runt
 }
 
 std::optional<MeterFrame> fallbackMonstercatBarFrame(const MeterRenderer& meter, const MonstercatBarLayout& layout) {
-    if (meter.kind() != MeterKind::bar || hasGeometry(meter.options()))
+    if (!meter.joinsBarRow() || hasGeometry(meter.options()))
         return std::nullopt;
     const std::string name = upperCased(meter.name());
     double offset = 0;

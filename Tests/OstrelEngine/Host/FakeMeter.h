@@ -26,7 +26,6 @@ public:
     }
     int drawCount() const { return drawCount_; }
 
-    MeterKind kind() const override { return MeterKind::shape; }
     void draw(QPainter& painter, MeasureValues values) override {
         ++drawCount_;
         painter.save();

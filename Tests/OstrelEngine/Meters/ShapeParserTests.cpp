@@ -1,4 +1,3 @@
-#include "OstrelEngine/Meters/ShapeMeter.h"
 #include "OstrelEngine/Meters/ShapeParser.h"
 
 #include <gtest/gtest.h>
@@ -51,10 +50,12 @@ TEST(ShapeParser, dropsWhatItDoesNotKnow) {
 }
 
 TEST(ShapeParser, readsTwentyShapesAcrossGaps) {
-    EXPECT_EQ(ShapeMeter::inferredBounds(optionsOf({{"Shape", "Rectangle 0,0,10,10 | Stroke Color 0,0,0|StrokeWidth 9"},
-                  {"Shape3", "nothing"}, {"SHAPE20", "Rectangle 20,20,10,10"}, {"Shape21", "Rectangle 0,0,99,99"}})),
+    EXPECT_EQ(ShapeParser::bounds(ShapeParser::parseShapes(
+                  optionsOf({{"Shape", "Rectangle 0,0,10,10 | Stroke Color 0,0,0|StrokeWidth 9"}, {"Shape3", "nothing"},
+                      {"SHAPE20", "Rectangle 20,20,10,10"}, {"Shape21", "Rectangle 0,0,99,99"}}))),
         (Rect{0, 0, 30, 30}));
-    EXPECT_EQ(ShapeMeter::inferredBounds(optionsOf({{"Shape1", "Rectangle 0,0,10,10"}})), std::nullopt);
+    EXPECT_EQ(
+        ShapeParser::bounds(ShapeParser::parseShapes(optionsOf({{"Shape1", "Rectangle 0,0,10,10"}}))), std::nullopt);
 }
 
 } // namespace Ostrel

@@ -30,19 +30,19 @@ protected:
 } // namespace
 
 TEST_F(StringMeterTest, measuresTheTextWithPadding) {
-    EXPECT_EQ(make({{"Text", ""}})->estimatedSize({}), (Size{8, 22}));
-    EXPECT_EQ(make({{"Text", ""}, {"FontSize", "100"}})->estimatedSize({}), (Size{25, 142}));
-    EXPECT_EQ(make({{"Text", ""}, {"FontSize", "33"}})->estimatedSize({}), (Size{9, 48})) << "padding rounded up";
-    const auto size = make({{"Text", "Value"}})->estimatedSize({});
+    EXPECT_EQ(make({{"Text", ""}})->naturalSize({}, {}), (Size{8, 22}));
+    EXPECT_EQ(make({{"Text", ""}, {"FontSize", "100"}})->naturalSize({}, {}), (Size{25, 142}));
+    EXPECT_EQ(make({{"Text", ""}, {"FontSize", "33"}})->naturalSize({}, {}), (Size{9, 48})) << "padding rounded up";
+    const auto size = make({{"Text", "Value"}})->naturalSize({}, {});
     EXPECT_EQ(size, (Size{41, 22}));
-    EXPECT_EQ(make({{"Text", "Value#CRLF#V"}})->estimatedSize({}), (Size{size.width, 36}));
-    EXPECT_EQ(make({{"Text", "Value#crlf#"}})->estimatedSize({}).height, 22) << "in this spelling only";
+    EXPECT_EQ(make({{"Text", "Value#CRLF#V"}})->naturalSize({}, {}), (Size{size.width, 36}));
+    EXPECT_EQ(make({{"Text", "Value#crlf#"}})->naturalSize({}, {}).height, 22) << "in this spelling only";
 }
 
 TEST_F(StringMeterTest, measuresNothingButShowsTheValueWithoutAText) {
     const std::vector values = {textValue("a long value")};
     const auto meter = make({}, {10, 0, 0, 0});
-    EXPECT_EQ(meter->estimatedSize(values), (Size{8, 22}));
+    EXPECT_EQ(meter->naturalSize(values, {}), (Size{8, 22}));
     EXPECT_EQ(meter->displayedText(values), "a long value");
     EXPECT_EQ(meter->displayedText({}), "%1");
     const QRect ink = inkOf(drawn(*meter, values, 200, 30));
@@ -72,7 +72,7 @@ TEST_F(StringMeterTest, wrapsAtItsWidth) {
     EXPECT_EQ(height("45"), 64);
     EXPECT_EQ(height("1"), std::ceil(15 * 12 * 2384 / 2048.0) + 8) << "a letter a line";
     const auto meter = make({{"Text", "one two three four"}, {"W", "70"}});
-    EXPECT_EQ(meter->estimatedSize({}).height, 22) << "the layout asks for one line";
+    EXPECT_EQ(meter->naturalSize({}, {}).height, 22) << "the layout asks for one line";
 }
 
 TEST_F(StringMeterTest, showsTheTextFormattedCasedAndBroken) {
@@ -105,7 +105,7 @@ TEST_F(StringMeterTest, noticesAChangeThatTheLayoutSawFirst) {
     const std::vector first = {numberValue(1)};
     const std::vector second = {numberValue(2)};
     meter->updateAppearance(first);
-    meter->estimatedSize(second);
+    meter->naturalSize(second, {});
     meter->interactionRect(second);
     EXPECT_TRUE(meter->updateAppearance(second));
 }
@@ -115,7 +115,7 @@ TEST_F(StringMeterTest, setsTheSameTextOnce) {
     for (const auto* clip : {"0", "1"}) {
         const auto meter = make({{"Text", "%1, %1"}, {"W", "90"}, {"ClipString", clip}}, {0, 0, 90, 0});
         const auto ask = [&] {
-            meter->estimatedSize(values);
+            meter->naturalSize(values, {});
             meter->interactionRect(values);
             meter->updateAppearance(values);
             meter->paintRect(values);
@@ -129,11 +129,11 @@ TEST_F(StringMeterTest, setsTheSameTextOnce) {
 
 TEST_F(StringMeterTest, followsItsOptions) {
     const auto meter = make({{"Text", "Value"}});
-    EXPECT_EQ(meter->estimatedSize({}).height, 22);
+    EXPECT_EQ(meter->naturalSize({}, {}).height, 22);
     meter->setOption("FontSize", "24");
-    EXPECT_EQ(meter->estimatedSize({}), (Size{74, 36}));
+    EXPECT_EQ(meter->naturalSize({}, {}), (Size{74, 36}));
     meter->setOption("InlineSetting", "CharacterSpacing|3");
-    EXPECT_EQ(meter->estimatedSize({}).width, 94) << "4 points for each of 5 letters";
+    EXPECT_EQ(meter->naturalSize({}, {}).width, 94) << "4 points for each of 5 letters";
     meter->setOption("Text", "%1");
     EXPECT_EQ(meter->displayedText(std::vector{numberValue(3)}), "3");
 }
@@ -162,7 +162,7 @@ TEST_F(StringMeterTest, survivesWhatSkinsMayAskFor) {
             {"InlineSetting", "CharacterSpacing|1e12"}, {"InlineSetting2", "Shadow|1e9|nan|1e9"}});
         meter->setFrame({-1e9, std::nan(""), 1e9, 1e9});
         drawn(*meter, {}, 50, 50);
-        EXPECT_GT(meter->estimatedSize({}).height, 0) << size;
+        EXPECT_GT(meter->naturalSize({}, {}).height, 0) << size;
     }
     for (const auto* clip : {"0", "1"}) {
         const auto meter = make({{"Text", longText.c_str()}, {"W", "100"}, {"ClipString", clip}}, {0, 0, 100, 20});

@@ -31,7 +31,6 @@ public:
     ~FullMeter() override;
 
     /// Says what it costs to paint, and whether the meter has a text; nothing else is asked of it here.
-    MeterKind kind() const override { return MeterKind::image; }
 
     /// One update of the meter, timed or by bang: options, values, one sample for a graph. Values are in binding order
     /// and have a place for each number, empty where nothing is bound.

@@ -13,7 +13,6 @@ namespace {
 class UnknownMeter final : public FullMeter {
 public:
     using FullMeter::FullMeter;
-    MeterKind kind() const override { return MeterKind::stub; }
 
 protected:
     void readOptions() override { }

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "OstrelCore/Text/CaseInsensitiveDictionary.h"
+#include "OstrelEngine/Full/FullMeasureTable.h"
+#include "OstrelEngine/Meters/Full/FullMeter.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Ostrel {
+
+/// A meter with its state: what options and bangs made of it, whichever spoke last.
+struct FullMeterEntry {
+    std::shared_ptr<FullMeter> meter;
+    /// Its section in LiveSections.
+    std::size_t section = 0;
+    UpdateDivider divider;
+    bool isHidden = false;
+    std::string onUpdateAction;
+    /// Values of MeasureName, MeasureName2, ...: absent for a number that is missing or an unknown measure.
+    std::vector<std::optional<std::size_t>> bindings;
+    /// What the last update took, and what the measures were at.
+    std::vector<MeasureValue> held;
+    std::vector<std::uint64_t> heldRevisions;
+
+    /// What was read from the options at this revision.
+    std::uint64_t optionsRevision = ~std::uint64_t(0);
+    std::string hiddenText;
+    std::string dividerText;
+};
+
+/// The meters of a skin in file order, which is the order of updates, layout and drawing. Filled once; positions stay.
+class FullMeterTable {
+public:
+    void add(std::shared_ptr<FullMeter> meter, std::size_t section);
+
+    std::size_t count() const { return entries_.size(); }
+    FullMeterEntry& entry(std::size_t position) { return entries_[position]; }
+    const FullMeterEntry& entry(std::size_t position) const { return entries_[position]; }
+    FullMeter& at(std::size_t position) const { return *entries_[position].meter; }
+    std::optional<std::size_t> position(std::string_view name) const;
+    const std::vector<std::shared_ptr<MeterRenderer>>& all() const { return meters_; }
+
+private:
+    std::vector<FullMeterEntry> entries_;
+    std::vector<std::shared_ptr<MeterRenderer>> meters_;
+    CaseInsensitiveDictionary<std::size_t> positions_;
+};
+
+} // namespace Ostrel
