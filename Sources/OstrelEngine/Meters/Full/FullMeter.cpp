@@ -200,6 +200,11 @@ std::optional<double> FullMeter::writtenHeight() const {
     return state_->look.height;
 }
 
+double FullMeter::matrixScale() const {
+    const auto& matrix = state_->look.matrix;
+    return matrix ? std::sqrt(std::abs(matrix->determinant())) : 1;
+}
+
 bool FullMeter::isSmooth(bool otherwise) const {
     return state_->look.antiAlias.value_or(otherwise);
 }

@@ -1,7 +1,11 @@
 #include "OstrelEngine/Meters/Full/FullMeterFactory.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Meters/Full/FullBarMeter.h"
 #include "OstrelEngine/Meters/Full/FullShapeMeter.h"
+#include "OstrelEngine/Meters/Full/HistogramMeter.h"
+#include "OstrelEngine/Meters/Full/LineMeter.h"
+#include "OstrelEngine/Meters/Full/RoundlineMeter.h"
 
 #include <string_view>
 #include <utility>
@@ -33,6 +37,10 @@ struct Row {
 };
 
 constexpr Row Rows[] = {
+    {"Bar", make<FullBarMeter>},
+    {"Histogram", make<HistogramMeter>},
+    {"Line", make<LineMeter>},
+    {"Roundline", make<RoundlineMeter>},
     {"Shape", make<FullShapeMeter>},
 };
 

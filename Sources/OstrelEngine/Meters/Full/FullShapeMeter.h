@@ -11,7 +11,6 @@ public:
     FullShapeMeter(const MeterDefinition& definition, Options options, const FullMeterContext& context);
     ~FullShapeMeter() override;
 
-    MeterKind kind() const override { return MeterKind::shape; }
     MouseArea mouseArea() const override { return MouseArea::OwnPixels; }
     bool isSolidAt(Point point) override;
 
