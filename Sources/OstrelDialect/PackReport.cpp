@@ -125,7 +125,7 @@ private:
 
     void searchAction(const std::string& text) {
         for (const auto& step : parseActionText(text)) {
-            if (step.kind != ActionStep::Kind::Open || step.name.empty() || isAddress(step.name)
+            if (step.kind != ActionTextStep::Kind::Open || step.name.empty() || isAddress(step.name)
                 || isForeignProgram(step.name))
                 continue;
             if (step.name.find_first_of("[]#") == std::string::npos && isProgram(step))
@@ -134,7 +134,7 @@ private:
     }
 
     /// A file is opened by the desktop and asks nothing; what has arguments or no ending is to be executed.
-    static bool isProgram(const ActionStep& step) {
+    static bool isProgram(const ActionTextStep& step) {
         return !step.arguments.empty() || pathExtension(normalizeSeparators(step.name)).empty();
     }
 
@@ -206,7 +206,7 @@ std::vector<Finding> findings(const PackSkin& skin) {
                 continue;
             for (const auto& step :
                 parseActionText(resolveReferences(text, scope, section.name, ReferenceKinds::Signs))) {
-                if (step.kind == ActionStep::Kind::Open && isForeignProgram(step.name))
+                if (step.kind == ActionTextStep::Kind::Open && isForeignProgram(step.name))
                     add(Severity::warning, "Foreign Program", "Cannot start '" + step.name + "' on this system",
                         section);
             }

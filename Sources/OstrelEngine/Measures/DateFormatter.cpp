@@ -11,23 +11,14 @@ namespace Ostrel {
 
 namespace {
 
-/// Dates follow LC_TIME, as everywhere on a desktop; ICU's own default is the language of messages. Empty is the
-/// same as "C".
-std::string_view dateLocaleName() {
-    for (const char* name : {"LC_ALL", "LC_TIME", "LANG"})
-        if (const char* value = std::getenv(name); value && *value)
-            return value;
-    return "";
-}
-
 icu::Locale dateLocale() {
-    const auto locale = icu::Locale::createCanonical(std::string(dateLocaleName()).c_str());
+    const auto locale = icu::Locale::createCanonical(std::string(DateFormatter::hostLocaleName()).c_str());
     const std::string_view language = locale.getLanguage();
     return language.empty() || language == "c" || language == "posix" ? icu::Locale("en", "US", "POSIX") : locale;
 }
 
 bool isAmericanEnglish() {
-    const auto name = dateLocaleName();
+    const auto name = DateFormatter::hostLocaleName();
     // A modifier can mean another calendar.
     if (name.find('@') != name.npos)
         return false;
@@ -85,6 +76,14 @@ struct DateFormatter::Host {
         return host;
     }
 };
+
+/// Dates follow LC_TIME, as everywhere on a desktop; ICU's own default is the language of messages.
+std::string_view DateFormatter::hostLocaleName() {
+    for (const char* name : {"LC_ALL", "LC_TIME", "LANG"})
+        if (const char* value = std::getenv(name); value && *value)
+            return value;
+    return "";
+}
 
 DateFormatter::DateFormatter(std::string_view pattern)
     : pattern_(withUnknownLettersQuoted(pattern))

@@ -16,6 +16,9 @@ class DateFormatter {
 public:
     explicit DateFormatter(std::string_view pattern);
 
+    /// The locale for dates as the environment names it; empty is the same as "C".
+    static std::string_view hostLocaleName();
+
     /// Seconds since 1970-01-01 00:00:00 UTC. Letters without a meaning stay as written. Lives until the
     /// next call.
     const std::string& format(double wallSeconds);

@@ -72,6 +72,8 @@ public:
 
     /// Recomputes the value. The base keeps what it has.
     virtual void update() { }
+    /// The moment that a measure of time shows, in seconds since 1601; absent for all others.
+    virtual std::optional<double> timeStamp() const { return std::nullopt; }
     /// Carries out a command; false when this kind of measure takes none.
     virtual bool executeCommand(std::string_view) { return false; }
     /// The answer to the field that this measure had its skin show, and its end without one.

@@ -2,9 +2,12 @@
 
 #include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/Full/FullCalcMeasure.h"
+#include "OstrelEngine/Measures/Full/FullLoopMeasure.h"
 #include "OstrelEngine/Measures/Full/FullMemoryMeasure.h"
 #include "OstrelEngine/Measures/Full/FullProcessorMeasure.h"
 #include "OstrelEngine/Measures/Full/FullStringMeasure.h"
+#include "OstrelEngine/Measures/Full/FullTimeMeasure.h"
+#include "OstrelEngine/Measures/Full/FullUptimeMeasure.h"
 #include "OstrelEngine/Measures/Full/FullValueShaping.h"
 
 #include <algorithm>
@@ -25,7 +28,8 @@ std::unique_ptr<BaseMeasure> make(const MeasureDefinition& definition, FullMeasu
 enum class Spelling { Type, Plugin, Both };
 
 constexpr ShapingRules General;
-constexpr ShapingRules OwnBounds{.bounds = ShapingRules::Bounds::Own};
+constexpr ShapingRules Looping{
+    .bounds = ShapingRules::Bounds::Own, .inversion = ShapingRules::Inversion::Ignored, .averages = false};
 constexpr ShapingRules OwnBoundsWithTotal{
     .bounds = ShapingRules::Bounds::Own, .inversion = ShapingRules::Inversion::UnlessTotal};
 constexpr ShapingRules NotInverted{.inversion = ShapingRules::Inversion::Ignored};
@@ -41,10 +45,13 @@ struct Row {
 constexpr Row Rows[] = {
     {"CALC", Spelling::Type, make<FullCalcMeasure>, General},
     {"CPU", Spelling::Type, make<FullProcessorMeasure>, General},
+    {"LOOP", Spelling::Type, make<FullLoopMeasure>, Looping},
     {"MEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
     {"PHYSICALMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
     {"STRING", Spelling::Type, make<FullStringMeasure>, NotInverted},
     {"SWAPMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"TIME", Spelling::Type, make<FullTimeMeasure>, General},
+    {"UPTIME", Spelling::Type, make<FullUptimeMeasure>, General},
 };
 
 const Row* find(std::string_view type, std::string_view plugin) {
