@@ -41,7 +41,10 @@ void HistogramMeter::readOptions() {
     const bool hasSecond = !text("MeasureName2"_key, text("SecondaryMeasureName"_key)).empty();
     const int graphs = text("MeasureName"_key).empty() ? 0 : hasSecond ? 2 : 1;
     readGraphOptions(graphs, 0);
-    if (std::exchange(state_->colors, colors) != colors || std::exchange(state_->graphs, graphs) != graphs)
+    const bool looksSame = state_->colors == colors && state_->graphs == graphs;
+    state_->colors = colors;
+    state_->graphs = graphs;
+    if (!looksSame)
         graphDidChange();
 }
 

@@ -85,7 +85,9 @@ void LineMeter::prepareColumns(MeasureValues values) {
         for (std::size_t i = 0; i < std::min(values.size(), state_->style.lines.size()); ++i)
             top = std::max(top, values[i].maxValue);
     }
-    if (std::exchange(state_->top, std::isfinite(top) ? top : 0) != state_->top)
+    if (!std::isfinite(top))
+        top = 0;
+    if (std::exchange(state_->top, top) != top)
         graphDidChange();
 }
 

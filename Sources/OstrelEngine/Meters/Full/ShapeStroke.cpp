@@ -31,8 +31,9 @@ void configure(QPainterPathStroker& stroker, const StrokeStyle& style) {
     stroker.setWidth(style.width);
     stroker.setCapStyle(Qt::FlatCap);
     stroker.setCurveThreshold(0.1);
-    // The stroker counts in whole widths.
-    stroker.setMiterLimit(style.miterLimit / 2);
+    // The stroker counts in whole widths. Of a bevelled miter it measures the length, and of one that is cut off how
+    // far its edges go on, which is about half of the length.
+    stroker.setMiterLimit(style.miterLimit / (style.join == StrokeJoin::Miter ? 4 : 2));
     switch (style.join) {
     case StrokeJoin::Miter:
         stroker.setJoinStyle(Qt::MiterJoin);
@@ -114,10 +115,16 @@ public:
         area_.setFillRule(Qt::WindingFill);
     }
 
-    void add(const QPainterPath& path, StrokeCap start, StrokeCap end) {
-        area_.addPath(stroker_.createStroke(path));
-        if (path.isEmpty())
+    void addClosed(const QPainterPath& path) { area_.addPath(stroker_.createStroke(path)); }
+
+    void addOpen(QPainterPath path, StrokeCap start, StrokeCap end) {
+        const int last = path.elementCount() - 1;
+        if (last < 0)
             return;
+        // The stroker would join ends that meet.
+        if (last > 0 && QPointF(path.elementAt(0)) == QPointF(path.elementAt(last)))
+            path.setElementPositionAt(last, path.elementAt(last).x + 1e-5, path.elementAt(last).y + 1e-5);
+        area_.addPath(stroker_.createStroke(path));
         addCap(area_, path.elementAt(0), outwards(path, true), style_.width, start);
         addCap(area_, path.elementAt(path.elementCount() - 1), outwards(path, false), style_.width, end);
     }
@@ -190,7 +197,7 @@ private:
 
     void finishDash(const QPainterPath& dash, StrokeCap start, StrokeCap end) {
         if (dash.elementCount() > 1) {
-            add(dash, start, end);
+            addOpen(dash, start, end);
             return;
         }
         const QPointF way = dashDirection_.value_or(QPointF(1, 0));
@@ -233,21 +240,25 @@ QPainterPath strokedArea(const ShapeOutline& outline, const StrokeStyle& style) 
     std::vector<double> pattern;
     if (!style.dashes.empty())
         pattern = dashPattern(style, outline.path.length());
-    const auto add = [&](const QPainterPath& path, StrokeCap start, StrokeCap end) {
+    const auto addOpen = [&](const QPainterPath& path, StrokeCap start, StrokeCap end) {
         if (pattern.empty())
-            stroke.add(path, start, end);
+            stroke.addOpen(path, start, end);
         else
             stroke.addDashed(path, pattern, start, end);
     };
-    const auto capIf = [&](bool isEnd, StrokeCap cap) { return isEnd && !outline.isClosed ? cap : StrokeCap::Flat; };
-    // The ends of a closed path's dashes are like those of the others.
-    const auto closedCap = pattern.empty() ? StrokeCap::Flat : style.dashCap;
-    if (!outline.hasPieces) {
-        add(outline.path, outline.isClosed ? closedCap : style.startCap, outline.isClosed ? closedCap : style.endCap);
+    if (!outline.hasPieces && outline.isClosed) {
+        if (pattern.empty())
+            stroke.addClosed(outline.path);
+        else
+            stroke.addDashed(outline.path, pattern, style.dashCap, style.dashCap);
+    } else if (!outline.hasPieces) {
+        addOpen(outline.path, style.startCap, style.endCap);
     } else {
+        const auto capIf
+            = [&](bool isEnd, StrokeCap cap) { return isEnd && !outline.isClosed ? cap : StrokeCap::Flat; };
         for (std::size_t i = 0; i < outline.pieces.size(); ++i) {
             const bool isLast = i + 1 == outline.pieces.size();
-            add(outline.pieces[i], capIf(i == 0 && outline.startIsStroked, style.startCap),
+            addOpen(outline.pieces[i], capIf(i == 0 && outline.startIsStroked, style.startCap),
                 capIf(isLast && outline.endIsStroked, style.endCap));
         }
         for (const QPointF& join : outline.roundJoins)
