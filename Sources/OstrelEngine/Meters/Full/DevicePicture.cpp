@@ -1,5 +1,7 @@
 #include "OstrelEngine/Meters/Full/DevicePicture.h"
 
+#include <QPainterPath>
+
 namespace Ostrel {
 
 namespace {
@@ -63,6 +65,19 @@ void DevicePicture::copyTo(QPainter& painter) {
     }
     if (KeptImage::areTooMany())
         kept_.drop();
+}
+
+void fillExactly(QPainter& painter, const QRectF& rect, const QBrush& brush) {
+    if (painter.deviceTransform().type() <= QTransform::TxScale) {
+        painter.fillRect(rect, brush);
+        return;
+    }
+    QPainterPath path(rect.topLeft());
+    path.lineTo(rect.topRight());
+    path.lineTo(rect.bottomRight());
+    path.lineTo(rect.bottomLeft());
+    path.closeSubpath();
+    painter.fillPath(path, brush);
 }
 
 } // namespace Ostrel

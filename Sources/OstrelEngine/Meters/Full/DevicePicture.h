@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QBrush>
 #include <QImage>
 #include <QPainter>
 #include <QRect>
@@ -77,5 +78,9 @@ private:
     QPainter& painter_;
     QTransform before_;
 };
+
+/// Fills a rectangle to the same pixels whatever the painter's clip is; the painter's own way does not where its
+/// transformation turns.
+void fillExactly(QPainter& painter, const QRectF& rect, const QBrush& brush);
 
 } // namespace Ostrel

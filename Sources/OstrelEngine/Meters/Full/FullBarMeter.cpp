@@ -1,6 +1,7 @@
 #include "OstrelEngine/Meters/Full/FullBarMeter.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Meters/Full/DevicePicture.h"
 #include "OstrelEngine/Meters/Painting.h"
 
 #include <QPainter>
@@ -47,7 +48,7 @@ void FullBarMeter::drawContent(QPainter& painter) {
     if (bar.isEmpty() || color_[3] == 0)
         return;
     painter.setRenderHint(QPainter::Antialiasing, isSmooth(false));
-    painter.fillRect(toQRectF(bar.translated(content.x, content.y)), toQColor(color_));
+    fillExactly(painter, toQRectF(bar.translated(content.x, content.y)), toQColor(color_));
 }
 
 } // namespace Ostrel

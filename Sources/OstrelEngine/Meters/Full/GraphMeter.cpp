@@ -77,6 +77,9 @@ struct GraphMeter::State {
     int ringScale = 0;
     Index drawn = 0;
     bool isRingStale = true;
+    /// All columns, where they cannot be kept in a ring.
+    DevicePicture picture;
+    std::uint64_t revision = 0;
 
     Index columns() const { return static_cast<Index>(layout.columns); }
     /// Where a column lies in the ring, in points.
@@ -128,6 +131,7 @@ void GraphMeter::readGraphOptions(int graphs, int margin) {
 
 void GraphMeter::graphDidChange() {
     state_->isRingStale = true;
+    ++state_->revision;
     contentDidChange();
 }
 
@@ -168,6 +172,7 @@ void GraphMeter::takeValues(MeasureValues values) {
             state_->samples[graph][at] = {value, isBound ? values[graph].percentFraction() : 0};
         }
         ++state_->count;
+        ++state_->revision;
         contentDidChange();
     }
     prepareColumns(values);
@@ -184,12 +189,13 @@ void GraphMeter::drawContent(QPainter& painter) {
     if (columnsMoveUnchanged() && drawRing(painter, corner.x(), corner.y()))
         return;
     const auto& layout = state_->layout;
-    painter.save();
-    painter.translate(corner);
-    painter.setClipRect(layout.box(0, layout.columns), Qt::IntersectClip);
-    painter.setTransform(layout.toBox(layout.columns), true);
-    drawColumns(painter, state_->count - state_->columns(), state_->count);
-    painter.restore();
+    const QRectF box = layout.box(0, layout.columns);
+    state_->picture.draw(painter, box.translated(corner), state_->revision, [&](QPainter& inner) {
+        inner.translate(corner);
+        inner.setClipRect(box);
+        inner.setTransform(layout.toBox(layout.columns), true);
+        drawColumns(inner, state_->count - state_->columns(), state_->count);
+    });
 }
 
 bool GraphMeter::drawRing(QPainter& painter, double cornerX, double cornerY) {

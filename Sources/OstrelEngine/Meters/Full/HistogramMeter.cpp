@@ -1,5 +1,6 @@
 #include "OstrelEngine/Meters/Full/HistogramMeter.h"
 
+#include "OstrelEngine/Meters/Full/DevicePicture.h"
 #include "OstrelEngine/Meters/Painting.h"
 
 #include <QPainter>
@@ -68,7 +69,7 @@ void HistogramMeter::drawColumns(QPainter& painter, Index first, Index end) cons
     painter.setRenderHint(QPainter::Antialiasing, isSmooth(false));
     const auto fill = [&](Index index, double from, double to, const QColor& color) {
         if (to > from)
-            painter.fillRect(QRectF(static_cast<double>(index - first), from, 1, to - from), color);
+            fillExactly(painter, QRectF(static_cast<double>(index - first), from, 1, to - from), color);
     };
     for (Index i = first; i < end; ++i) {
         const double primary = heightOf(0, i);

@@ -1,6 +1,7 @@
 #include "OstrelEngine/Meters/Full/LineMeter.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Meters/Full/DevicePicture.h"
 #include "OstrelEngine/Meters/Painting.h"
 
 #include <QPainter>
@@ -97,8 +98,8 @@ void LineMeter::drawColumns(QPainter& painter, Index first, Index end) const {
     painter.setRenderHint(QPainter::Antialiasing, false);
     if (style.hasMarkers)
         for (const double share : {0.25, 0.5, 0.75})
-            painter.fillRect(
-                QRectF(0, std::round(height * share), static_cast<double>(end - first), 1), style.markerColor);
+            fillExactly(
+                painter, QRectF(0, std::round(height * share), static_cast<double>(end - first), 1), style.markerColor);
     if (!(style.width > 0))
         return;
     painter.setRenderHint(QPainter::Antialiasing, style.isSmooth);

@@ -2,7 +2,6 @@
 
 #include "OstrelEngine/Meters/Painting.h"
 
-#include <QLineF>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -63,9 +62,16 @@ Hand handOf(const Style& style, double share) {
     return hand;
 }
 
-QLineF lineOf(const Hand& hand) {
+/// As an area: the painter's own line has other pixels at the edge of a clip.
+QPainterPath lineOf(const Hand& hand) {
     const QPointF way(std::cos(hand.to), std::sin(hand.to));
-    return {hand.center + way * hand.inner, hand.center + way * hand.outer};
+    const QPointF side(-way.y() * hand.width / 2, way.x() * hand.width / 2);
+    QPainterPath path(hand.center + way * hand.inner + side);
+    path.lineTo(hand.center + way * hand.outer + side);
+    path.lineTo(hand.center + way * hand.outer - side);
+    path.lineTo(hand.center + way * hand.inner - side);
+    path.closeSubpath();
+    return path;
 }
 
 QRectF square(const QPointF& center, double radius) {
@@ -102,8 +108,7 @@ QPainterPath sectorOf(const Hand& hand) {
 struct RoundlineMeter::State {
     Style style;
     Hand hand;
-    /// Of a solid hand.
-    QPainterPath sector;
+    QPainterPath area;
     QRectF bounds;
 };
 
@@ -140,14 +145,8 @@ void RoundlineMeter::takeValues(MeasureValues values) {
         return;
     const QRectF before = state_->bounds;
     state_->hand = hand;
-    state_->sector = hand.isSolid ? sectorOf(hand) : QPainterPath();
-    if (hand.isSolid) {
-        state_->bounds = state_->sector.boundingRect();
-    } else {
-        const QLineF line = lineOf(hand);
-        const double reach = hand.width / 2;
-        state_->bounds = QRectF(line.p1(), line.p2()).normalized().adjusted(-reach, -reach, reach, reach);
-    }
+    state_->area = hand.isSolid ? sectorOf(hand) : lineOf(hand);
+    state_->bounds = state_->area.boundingRect();
     state_->bounds.adjust(-1, -1, 1, 1);
     contentDidChange(toRect(before.isNull() ? state_->bounds : before.united(state_->bounds)));
 }
@@ -167,14 +166,9 @@ void RoundlineMeter::drawContent(QPainter& painter) {
         return;
     const QPointF corner = toQRectF(contentRect()).topLeft();
     painter.setRenderHint(QPainter::Antialiasing, isSmooth(false));
-    if (hand.isSolid) {
-        painter.translate(corner);
-        painter.fillPath(state_->sector, hand.color);
-        painter.translate(-corner);
-    } else if (hand.width > 0) {
-        painter.setPen(QPen(hand.color, hand.width, Qt::SolidLine, Qt::FlatCap));
-        painter.drawLine(lineOf(hand).translated(corner));
-    }
+    painter.translate(corner);
+    painter.fillPath(state_->area, hand.color);
+    painter.translate(-corner);
 }
 
 } // namespace Ostrel
