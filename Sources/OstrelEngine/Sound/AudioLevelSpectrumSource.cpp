@@ -41,6 +41,15 @@ std::span<const double> AudioLevelSpectrumSource::spectrum(const SpectrumRequest
         std::max(sampleRate, 1.0), request.sensitivity, fftSize);
 }
 
+SoundLevel AudioLevelSpectrumSource::level() {
+    auto& queue = system().queue();
+    capture_->ensureStarted();
+    SoundLevel level;
+    const auto copyLatest = [&] { level = analyzer_->level(); };
+    queue.sync(std::ref(copyLatest));
+    return level;
+}
+
 void AudioLevelSpectrumSource::ingestSamples(std::span<const float> samples, double sampleRateHz) {
     if (samples.empty())
         return;

@@ -38,6 +38,7 @@ public:
     ~AudioLevelSpectrumSource() override;
 
     std::span<const double> spectrum(const SpectrumRequest& request) override;
+    SoundLevel level() override;
     /// Mono. On the queue at once, from elsewhere posted.
     void ingestSamples(std::span<const float> samples, double sampleRateHz);
     /// Opened when it is not yet. Main thread.

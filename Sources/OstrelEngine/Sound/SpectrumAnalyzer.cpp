@@ -48,6 +48,19 @@ SpectrumAnalyzer::SpectrumAnalyzer() {
 
 SpectrumAnalyzer::~SpectrumAnalyzer() = default;
 
+SoundLevel SpectrumAnalyzer::level() const {
+    double squares = 0;
+    double peak = 0;
+    for (const float sample : fftRingBuffer_) {
+        if (!std::isfinite(sample))
+            continue;
+        squares += static_cast<double>(sample) * sample;
+        peak = std::max(peak, std::fabs(static_cast<double>(sample)));
+    }
+    const auto count = static_cast<double>(std::max<std::size_t>(fftRingBuffer_.size(), 1));
+    return {std::sqrt(squares / count), peak};
+}
+
 int SpectrumAnalyzer::sanitizeFFTSize(std::int64_t value) {
     const auto bounded = static_cast<unsigned>(std::clamp<std::int64_t>(value, MinimumFFTSize, MaximumFFTSize));
     const unsigned lower = std::bit_floor(bounded);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OstrelPlatform/AudioSpectrum.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -42,6 +44,8 @@ public:
     double latestSampleRate() const { return latestSampleRate_; }
     /// Half of the size, bin 0 first.
     std::span<const float> latestMagnitudes() const { return latestMagnitudes_; }
+    /// Of the last samples, as many as a transform takes; 1 is full scale.
+    SoundLevel level() const;
     /// Transforms since the start.
     std::uint64_t transformCount() const { return transformCount_; }
 

@@ -25,7 +25,8 @@ LinuxPlatform::LinuxPlatform()
           .remoteReader = remoteReader_,
           .workspace = &workspace_,
           .appearance = &appearance_,
-          .recycleManager = &recycleManager_} { }
+          .recycleManager = &recycleManager_,
+          .scripts = &scripts_} { }
 
 LinuxPlatform::~LinuxPlatform() = default;
 

@@ -6,6 +6,7 @@
 #include "OstrelPlatform/Linux/Desktop/QSettingsUserDefaults.h"
 #include "OstrelPlatform/Linux/Files/FileSystemRecycleManagerBackend.h"
 #include "OstrelPlatform/Linux/Host/LinuxHostStatistics.h"
+#include "OstrelPlatform/Linux/Scripts/LazyScriptEngine.h"
 #include "OstrelPlatform/Linux/Time/LinuxClock.h"
 #include "OstrelPlatform/Linux/Time/QtMainQueue.h"
 #include "OstrelPlatform/Linux/Web/LazyRemoteReader.h"
@@ -33,6 +34,7 @@ private:
     QtMainQueue mainQueue_;
     FontconfigRegistrar fonts_;
     LazyRemoteReader remoteReader_;
+    LazyScriptEngine scripts_;
     LinuxWorkspace workspace_;
     LinuxAppearance appearance_;
     QSettingsUserDefaults defaults_;

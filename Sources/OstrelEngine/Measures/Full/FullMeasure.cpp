@@ -1,5 +1,6 @@
 #include "OstrelEngine/Measures/Full/FullMeasure.h"
 
+#include "OstrelCore/Text/Text.h"
 #include "OstrelDialect/OptionValues.h"
 
 #include <limits>
@@ -14,6 +15,10 @@ constexpr double TrackedMinimum = std::numeric_limits<double>::infinity();
 constexpr double TrackedMaximum = -std::numeric_limits<double>::infinity();
 
 } // namespace
+
+void FullMeasureHost::runActionWithInput(const BaseMeasure& measure, std::string_view action, std::string_view input) {
+    runAction(measure, replacingOccurrencesIgnoringCase(action, "$UserInput$", input));
+}
 
 FullMeasure::FullMeasure(const MeasureDefinition& definition, FullMeasureHost& host)
     : BaseMeasure(definition, {})

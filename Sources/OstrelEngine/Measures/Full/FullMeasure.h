@@ -38,6 +38,8 @@ public:
     virtual const std::vector<std::unique_ptr<BaseMeasure>>& allMeasures() const = 0;
     /// Runs an action string as this section's.
     virtual void runAction(const BaseMeasure& measure, std::string_view action) = 0;
+    /// The same while `$UserInput$` is what the user has typed: data, which is never read as a reference or a bang.
+    virtual void runActionWithInput(const BaseMeasure& measure, std::string_view action, std::string_view input);
     /// The text with all references replaced as they are now.
     virtual std::string resolved(const BaseMeasure& measure, std::string_view raw) const = 0;
     /// Seconds since the skin was loaded, and update cycles since then, refreshes included.

@@ -1,10 +1,14 @@
 #include "OstrelEngine/Measures/Full/FullMeasureFactory.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/Full/FullAudioLevelMeasure.h"
 #include "OstrelEngine/Measures/Full/FullCalcMeasure.h"
+#include "OstrelEngine/Measures/Full/FullInputTextMeasure.h"
 #include "OstrelEngine/Measures/Full/FullLoopMeasure.h"
 #include "OstrelEngine/Measures/Full/FullMemoryMeasure.h"
+#include "OstrelEngine/Measures/Full/FullNowPlayingMeasure.h"
 #include "OstrelEngine/Measures/Full/FullProcessorMeasure.h"
+#include "OstrelEngine/Measures/Full/FullScriptMeasure.h"
 #include "OstrelEngine/Measures/Full/FullStringMeasure.h"
 #include "OstrelEngine/Measures/Full/FullTimeMeasure.h"
 #include "OstrelEngine/Measures/Full/FullUptimeMeasure.h"
@@ -43,15 +47,23 @@ struct Row {
 };
 
 constexpr Row Rows[] = {
+    {"AUDIOLEVEL", Spelling::Plugin, make<FullAudioLevelMeasure>, General},
     {"CALC", Spelling::Type, make<FullCalcMeasure>, General},
     {"CPU", Spelling::Type, make<FullProcessorMeasure>, General},
+    {"GPMDPPLUGIN", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
+    {"INPUTTEXT", Spelling::Plugin, make<FullInputTextMeasure>, NotInverted},
+    {"ITUNESPLUGIN", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
     {"LOOP", Spelling::Type, make<FullLoopMeasure>, Looping},
     {"MEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"NOWPLAYING", Spelling::Both, make<FullNowPlayingMeasure>, General},
     {"PHYSICALMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"SCRIPT", Spelling::Type, make<FullScriptMeasure>, General},
     {"STRING", Spelling::Type, make<FullStringMeasure>, NotInverted},
     {"SWAPMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
     {"TIME", Spelling::Type, make<FullTimeMeasure>, General},
     {"UPTIME", Spelling::Type, make<FullUptimeMeasure>, General},
+    {"WEBNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
+    {"WINDOWSNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
 };
 
 const Row* find(std::string_view type, std::string_view plugin) {

@@ -181,7 +181,7 @@ TEST(FullLoop, stepsAndStays) {
     EXPECT_EQ(course({{"EndValue", "3"}, {"Increment", "-1"}}, 3), "1 1 1 1..3");
     EXPECT_EQ(course({{"EndValue", "3"}, {"Increment", "0"}}, 2), "1 1 1..3");
     EXPECT_EQ(course({{"StartValue", "-2147483648"}, {"EndValue", "2147483647"}, {"Increment", "2147483647"}}, 4),
-        "-2.14748e+09 -1 2.14748e+09 -2.14748e+09 -2.14748e+09..2.14748e+09");
+        "-2.14748e+09 -1 2.14748e+09 2.14748e+09 -2.14748e+09..2.14748e+09");
 }
 
 TEST(FullMeasureFactory, knowsEverySpellingAndStubsTheRest) {
