@@ -3,12 +3,17 @@
 #include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/Full/FullAudioLevelMeasure.h"
 #include "OstrelEngine/Measures/Full/FullCalcMeasure.h"
+#include "OstrelEngine/Measures/Full/FullDiskMeasure.h"
 #include "OstrelEngine/Measures/Full/FullInputTextMeasure.h"
 #include "OstrelEngine/Measures/Full/FullLoopMeasure.h"
 #include "OstrelEngine/Measures/Full/FullMemoryMeasure.h"
+#include "OstrelEngine/Measures/Full/FullNetMeasure.h"
 #include "OstrelEngine/Measures/Full/FullNowPlayingMeasure.h"
+#include "OstrelEngine/Measures/Full/FullPowerMeasure.h"
+#include "OstrelEngine/Measures/Full/FullProcessMeasure.h"
 #include "OstrelEngine/Measures/Full/FullProcessorMeasure.h"
 #include "OstrelEngine/Measures/Full/FullStringMeasure.h"
+#include "OstrelEngine/Measures/Full/FullSysInfoMeasure.h"
 #include "OstrelEngine/Measures/Full/FullTimeMeasure.h"
 #include "OstrelEngine/Measures/Full/FullUptimeMeasure.h"
 #include "OstrelEngine/Measures/Full/FullValueShaping.h"
@@ -33,6 +38,7 @@ enum class Spelling { Type, Plugin, Both };
 constexpr ShapingRules General;
 constexpr ShapingRules Looping{
     .bounds = ShapingRules::Bounds::Own, .inversion = ShapingRules::Inversion::Ignored, .averages = false};
+constexpr ShapingRules OwnBounds{.bounds = ShapingRules::Bounds::Own};
 constexpr ShapingRules OwnBoundsWithTotal{
     .bounds = ShapingRules::Bounds::Own, .inversion = ShapingRules::Inversion::UnlessTotal};
 constexpr ShapingRules NotInverted{.inversion = ShapingRules::Inversion::Ignored};
@@ -49,15 +55,23 @@ constexpr Row Rows[] = {
     {"AUDIOLEVEL", Spelling::Plugin, make<FullAudioLevelMeasure>, General},
     {"CALC", Spelling::Type, make<FullCalcMeasure>, General},
     {"CPU", Spelling::Type, make<FullProcessorMeasure>, General},
+    {"FREEDISKSPACE", Spelling::Type, make<FullDiskMeasure>, OwnBoundsWithTotal},
     {"GPMDPPLUGIN", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
     {"INPUTTEXT", Spelling::Plugin, make<FullInputTextMeasure>, NotInverted},
     {"ITUNESPLUGIN", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
     {"LOOP", Spelling::Type, make<FullLoopMeasure>, Looping},
     {"MEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"NET", Spelling::Type, make<FullNetMeasure>, OwnBounds},
+    {"NETIN", Spelling::Type, make<FullNetMeasure>, OwnBounds},
+    {"NETOUT", Spelling::Type, make<FullNetMeasure>, OwnBounds},
+    {"NETTOTAL", Spelling::Type, make<FullNetMeasure>, OwnBounds},
     {"NOWPLAYING", Spelling::Both, make<FullNowPlayingMeasure>, General},
     {"PHYSICALMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"POWERPLUGIN", Spelling::Plugin, make<FullPowerMeasure>, General},
+    {"PROCESS", Spelling::Both, make<FullProcessMeasure>, General},
     {"STRING", Spelling::Type, make<FullStringMeasure>, NotInverted},
     {"SWAPMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"SYSINFO", Spelling::Both, make<FullSysInfoMeasure>, General},
     {"TIME", Spelling::Type, make<FullTimeMeasure>, General},
     {"UPTIME", Spelling::Type, make<FullUptimeMeasure>, General},
     {"WEBNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
