@@ -1,6 +1,8 @@
 #include "OstrelCLI/CalcCommand.h"
 
+#include "OstrelCLI/DialectOptions.h"
 #include "OstrelCore/Text/Numbers.h"
+#include "OstrelDialect/Formula.h"
 #include "OstrelEngine/Measures/CalcMeasure.h"
 #include "OstrelEngine/Runtime/MeasureTable.h"
 #include "OstrelEngine/Runtime/RuntimeExpressions.h"
@@ -31,6 +33,11 @@ Evaluator expressionEvaluator() {
                std::string_view text) { return skin->expressions.evaluateNumericExpressionWithMeasures(text); };
 }
 
+std::optional<double> evaluateFull(std::string_view text) {
+    const auto formula = Formula::compile(text);
+    return formula ? formula->evaluate() : std::nullopt;
+}
+
 void printResult(const Evaluator& evaluate, std::string_view text) {
     const auto value = evaluate(text);
     std::cout << (value ? formatGeneral(*value, Precision) : "invalid") << "\n";
@@ -38,12 +45,20 @@ void printResult(const Evaluator& evaluate, std::string_view text) {
 
 } // namespace
 
-int run(Arguments arguments) {
+int run(Arguments allArguments) {
+    const auto options = DialectOptions::parse(allArguments, DialectOptions::Place::Leading);
+    if (!options)
+        return wrongUsage(Usage);
+    Arguments arguments = options->rest;
     // A text may begin with dashes: "--3" is 3.
     const bool isExpression = !arguments.empty() && arguments.front() == "--expression";
     if (isExpression)
         arguments = arguments.subspan(1);
-    const Evaluator evaluate = isExpression ? expressionEvaluator() : CalcMeasure::evaluateIfValid;
+    if (isExpression && options->isFull)
+        return wrongUsage(Usage);
+    const Evaluator evaluate = options->isFull ? evaluateFull
+        : isExpression                         ? expressionEvaluator()
+                                               : CalcMeasure::evaluateIfValid;
     for (const auto text : arguments)
         printResult(evaluate, text);
     if (!arguments.empty())

@@ -1,7 +1,9 @@
 #include "OstrelCLI/InspectCommand.h"
 
+#include "OstrelCLI/DialectOptions.h"
 #include "OstrelCLI/JSON.h"
 #include "OstrelCore/Packages/SkinInput.h"
+#include "OstrelDialect/PackReader.h"
 
 #include <iostream>
 #include <string>
@@ -53,26 +55,41 @@ JSON sectionJSON(const INISection& section) {
     return {{"name", section.name}, {"line", section.location.line}, {"entries", jsonList(section.entries, entryJSON)}};
 }
 
-JSON skinJSON(const SkinConfig& config, const DiagnosticCollector& diagnostics) {
+JSON skinJSON(const SkinConfig& config, const std::vector<Diagnostic>& diagnostics) {
     return {{"filePath", config.filePath}, {"rainmeter", rainmeterJSON(config.rainmeterOptions)},
         {"metadata", metadataJSON(config.metadata)}, {"variables", jsonPairs(config.variables)},
         {"measures", jsonList(config.measures, measureJSON)}, {"meters", jsonList(config.meters, meterJSON)},
         {"styles", jsonList(config.styles, styleJSON)}, {"unknownSections", config.unknownSections},
         {"sections", jsonList(config.rawDocument.sections, sectionJSON)},
-        {"diagnostics",
-            jsonList(diagnostics.diagnostics(), [](const Diagnostic& item) { return JSON(item.description()); })}};
+        {"diagnostics", jsonList(diagnostics, [](const Diagnostic& item) { return JSON(item.description()); })}};
+}
+
+int inspectFull(const std::string& path, const DialectOptions& options) {
+    const auto skin = readPackSkin(path, std::nullopt, options.root);
+    if (!skin) {
+        printMessage("cannot load " + path);
+        return InputFailed;
+    }
+    auto json = skinJSON(skinConfigAtLoad(*skin), skin->diagnostics);
+    json["dialect"] = "full";
+    std::cout << printed(json) << "\n";
+    return Done;
 }
 
 } // namespace
 
 int run(Arguments arguments) {
-    if (arguments.size() != 1 || arguments.front().starts_with("--"))
+    const auto options = DialectOptions::parse(arguments);
+    if (!options || options->rest.size() != 1 || isOption(options->rest.front()))
         return wrongUsage(Usage);
+    const std::string path(options->rest.front());
+    if (options->isFull)
+        return inspectFull(path, *options);
     DiagnosticCollector diagnostics;
-    const auto config = loadSkin(std::string(arguments.front()), diagnostics);
+    const auto config = loadSkin(path, diagnostics);
     if (!config)
         return InputFailed;
-    std::cout << printed(skinJSON(*config, diagnostics)) << "\n";
+    std::cout << printed(skinJSON(*config, diagnostics.diagnostics())) << "\n";
     return Done;
 }
 

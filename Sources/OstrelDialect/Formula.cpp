@@ -155,7 +155,7 @@ std::optional<double> parseLiteral(std::string_view word) {
         if (base != 0)
             return parseDigits(word.substr(2), base);
     }
-    if (word.find_first_not_of("0123456789.") != std::string_view::npos)
+    if (!std::ranges::all_of(word, [](char c) { return isASCIIDigit(c) || c == '.'; }))
         return std::nullopt;
     const auto number = parseNumberPrefix(word);
     return number.length == word.size() && !word.empty() ? std::optional(number.value) : std::nullopt;
@@ -263,7 +263,7 @@ private:
         if (!power())
             return false;
         for (;;) {
-            const auto found = binaryOperator(current(), following());
+            const auto found = nextOperator();
             if (found.level < leastLevel || found.length == 0)
                 return true;
             at_ += found.length;
@@ -278,6 +278,16 @@ private:
                 emit(found.code, -1);
             }
         }
+    }
+
+    /// Each level of operators that is open asks for the same one.
+    Operator nextOperator() {
+        if (operatorAt_ != at_) {
+            const char c = current();
+            operator_ = binaryOperator(c, following());
+            operatorAt_ = at_;
+        }
+        return operator_;
     }
 
     bool power() {
@@ -382,6 +392,8 @@ private:
     const char* end_;
     const FormulaNames* names_;
     std::vector<Formula::Instruction>& code_;
+    const char* operatorAt_ = nullptr;
+    Operator operator_;
     int depth_ = 0;
     int onStack_ = 0;
     int mostOnStack_ = 0;
@@ -593,8 +605,8 @@ std::optional<Formula> Formula::compile(std::string_view text, const FormulaName
     if (text.size() > MaximumLength)
         return std::nullopt;
     std::optional<Formula> formula(std::in_place);
-    // Most formulas have an operand or operator for every two characters.
-    formula->code_.reserve(std::min<std::size_t>(text.size() / 2 + 1, 64));
+    // Few formulas have more instructions than three for every four characters.
+    formula->code_.reserve(std::min<std::size_t>(text.size() * 3 / 4 + 2, 256));
     Compiler compiler(text, names, formula->code_);
     if (!compiler.run())
         return std::nullopt;

@@ -49,7 +49,7 @@ constexpr FullType Plugins[] = {
     {"FileView", Partly, "has no context menu and no properties of files", "lists of files"},
     {"Focus", Nothing, NoCounterpart},
     {"FolderInfo", Whole, {}, "sizes of folders"},
-    {"FrostedGlass", Nothing, "asks for a blurred background, which the desktop decides here"},
+    {"FrostedGlass", Partly, "asks for a blurred background, which the desktop decides here"},
     {"Hotkey", Nothing, "asks for keys of the whole desktop, which are not taken here"},
     {"HWiNFO", Nothing, OtherSensors},
     {"InputText"},

@@ -32,14 +32,13 @@ std::string marked(std::string_view data) {
 std::string dropped(std::string_view text) {
     std::string result;
     result.reserve(text.size());
-    std::size_t copied = 0;
-    for (auto at = text.find(Lead); at != std::string_view::npos; at = text.find(Lead, at + 1)) {
-        if (!isAt(text, at, Open) && !isAt(text, at, Close))
-            continue;
-        result.append(text, copied, at - copied);
-        copied = at + Open.size();
+    for (const char c : text) {
+        result += c;
+        // Looks back, since the bytes around a mark in broken UTF-8 may make up another one.
+        if ((c == Open.back() || c == Close.back()) && (result.ends_with(Open) || result.ends_with(Close)))
+            result.resize(result.size() - Open.size());
     }
-    return result.append(text, copied);
+    return result;
 }
 
 std::size_t regionEnd(std::string_view text, std::size_t at) {

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -81,6 +82,13 @@ std::optional<std::string> withoutLinks(std::string_view path) {
 }
 
 } // namespace
+
+std::string PackFolders::settingsBaseOfUser() {
+    if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data == '/')
+        return std::string(data) + "/ostrel/packs";
+    const char* home = std::getenv("HOME");
+    return std::string(home ? home : "/nonexistent") + "/.local/share/ostrel/packs";
+}
 
 PackFolders PackFolders::find(const std::string& skinFile, std::optional<std::string_view> openedFolder,
     std::optional<std::string_view> rootOverride, const std::string& settingsBase) {

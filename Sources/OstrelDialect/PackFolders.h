@@ -33,6 +33,9 @@ struct PackFolders {
     static PackFolders find(const std::string& skinFile, std::optional<std::string_view> openedFolder,
         std::optional<std::string_view> rootOverride, const std::string& settingsBase);
 
+    /// Where packs keep their data: below the user's data folder (XDG Base Directory Specification).
+    static std::string settingsBaseOfUser();
+
     /// The value of a built-in path variable; absent when the name is none of them.
     std::optional<std::string> variable(std::string_view name) const;
     /// A path option as an absolute path: relative to the skin's folder, either separator, "..", looked up without

@@ -271,6 +271,13 @@ std::optional<PackSkin> PackReader::read(const PackFolders& folders) const {
     return Reading(files_, folders).read();
 }
 
+std::optional<PackSkin> readPackSkin(const std::string& skinFile, std::optional<std::string_view> openedFolder,
+    std::optional<std::string_view> rootOverride) {
+    DiskFileProvider files;
+    return PackReader(files).read(
+        PackFolders::find(skinFile, openedFolder, rootOverride, PackFolders::settingsBaseOfUser()));
+}
+
 SkinConfig skinConfigAtLoad(const PackSkin& skin) {
     INIDocument resolved;
     const PackVariables scope(skin.variables, skin.folders);

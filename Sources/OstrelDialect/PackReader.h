@@ -58,6 +58,11 @@ private:
     FileProvider& files_;
 };
 
+/// The skin at a path, read from disk with its folders found. Absent when its file cannot be read.
+std::optional<PackSkin> readPackSkin(const std::string& skinFile,
+    std::optional<std::string_view> openedFolder = std::nullopt,
+    std::optional<std::string_view> rootOverride = std::nullopt);
+
 /// The skin as plain data with all that can be resolved at load resolved: what `inspect` shows and hosts ask for.
 SkinConfig skinConfigAtLoad(const PackSkin& skin);
 

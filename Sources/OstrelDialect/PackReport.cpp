@@ -39,10 +39,14 @@ MeasureKind kindOfMeasure(const PackSection& section) {
     return {std::string(plugin), FullTypes::find(FullTypes::plugins(), plugin), true};
 }
 
+/// `Command` alone is what other plugins call what they show.
 bool isActionKey(std::string_view key) {
+    const std::string_view whole = key;
     while (!key.empty() && key.back() >= '0' && key.back() <= '9')
         key.remove_suffix(1);
-    return hasSuffixIgnoringCase(key, "ACTION") || hasSuffixIgnoringCase(key, "COMMAND");
+    if (hasSuffixIgnoringCase(key, "ACTION") || equalsIgnoringCase(key, "BUTTONCOMMAND"))
+        return true;
+    return equalsIgnoringCase(key, "COMMAND") && key.size() < whole.size();
 }
 
 void sortUnique(std::vector<std::string>& items) {
@@ -128,7 +132,7 @@ private:
             if (step.kind != ActionTextStep::Kind::Open || step.name.empty() || isAddress(step.name)
                 || isForeignProgram(step.name))
                 continue;
-            if (step.name.find_first_of("[]#") == std::string::npos && isProgram(step))
+            if (step.name.find_first_of("[]#") == std::string::npos && isProgram(step) && !isReference(step.name))
                 wants_.programs.push_back(step.name);
         }
     }
@@ -136,6 +140,13 @@ private:
     /// A file is opened by the desktop and asks nothing; what has arguments or no ending is to be executed.
     static bool isProgram(const ActionTextStep& step) {
         return !step.arguments.empty() || pathExtension(normalizeSeparators(step.name)).empty();
+    }
+
+    /// `[Meter:X]` behind an action reads as a program.
+    bool isReference(std::string_view name) const {
+        const auto section = name.substr(0, name.find(':'));
+        return std::ranges::any_of(
+            skin_.sections, [&](const PackSection& other) { return equalsIgnoringCase(other.name, section); });
     }
 
     void wantScript(const std::string& path) {
@@ -157,7 +168,7 @@ private:
 
     void wantCommand(const std::string& program, const std::string& parameter) {
         const auto first = program.empty() ? trimmed(parameter) : trimmed(program);
-        if (first.empty() || isForeignProgram(first))
+        if (first.empty() || isForeignProgram(first) || isForeignProgram(first.substr(0, first.find(' '))))
             return;
         wants_.programs.emplace_back(trimmed(program + " " + parameter));
     }
@@ -231,14 +242,20 @@ PackWants findWants(const PackSkin& skin) {
 }
 
 bool isForeignProgram(std::string_view program) {
+    while (!program.empty() && (program.front() == '"' || program.front() == ' '))
+        program.remove_prefix(1);
+    program = program.substr(0, program.find('"'));
+    const bool hasDrive = program.size() >= 3 && program[1] == ':' && (program[2] == '\\' || program[2] == '/');
+    if (hasDrive || containsIgnoringCase(program, ".EXE "))
+        return true;
     const std::string name = upperCased(lastPathComponent(normalizeSeparators(trimmed(program))));
     constexpr std::array<std::string_view, 12> Endings
         = {"EXE", "BAT", "CMD", "COM", "PS1", "VBS", "AHK", "LNK", "MSC", "CPL", "SCR", "DLL"};
     if (std::ranges::find(Endings, pathExtension(name)) != Endings.end())
         return true;
     // Their own tools are often named without an ending.
-    constexpr std::array<std::string_view, 12> Tools = {"CMD", "POWERSHELL", "PWSH", "EXPLORER", "CONTROL", "RUNDLL32",
-        "TASKMGR", "NOTEPAD", "CALC", "REGEDIT", "MSPAINT", "WSCRIPT"};
+    constexpr std::array<std::string_view, 13> Tools = {"WMIC", "CMD", "POWERSHELL", "PWSH", "EXPLORER", "CONTROL",
+        "RUNDLL32", "TASKMGR", "NOTEPAD", "CALC", "REGEDIT", "MSPAINT", "WSCRIPT"};
     if (std::ranges::find(Tools, name) != Tools.end())
         return true;
     const auto text = trimmed(program);

@@ -31,6 +31,7 @@ constexpr std::array<bool, 256> characterTable(std::string_view characters) {
 }
 
 constexpr auto SignStarts = characterTable("#%$\xEF");
+constexpr auto ValueStarts = characterTable("#%$[\xEF");
 constexpr auto BracketStarts = characterTable("[]\xEF");
 constexpr auto EscapeStarts = characterTable("#[\xEF");
 constexpr auto QuoteStarts = characterTable("'\"(),\xEF");
@@ -160,7 +161,9 @@ std::string finished(std::string_view text, bool keepMarks) {
     std::size_t copied = 0;
     for (auto at = findFrom(text, 0, EscapeStarts); at < text.size(); at = findFrom(text, at, EscapeStarts)) {
         if (text[at] == LiteralMarks::Lead) {
-            const auto end = LiteralMarks::regionEnd(text, at);
+            // A mark that closes nothing goes too.
+            const bool isStray = LiteralMarks::isAt(text, at, LiteralMarks::Close);
+            const auto end = isStray ? at + LiteralMarks::Close.size() : LiteralMarks::regionEnd(text, at);
             if (end == at) {
                 ++at;
                 continue;
@@ -200,10 +203,12 @@ std::string ReferenceResolver::resolve(std::string_view raw) {
     std::string text = withSigns(raw);
     if (text.find('[') != std::string::npos) {
         text = withBrackets(text, Pass::Sigils);
-        if (wants(ReferenceKinds::Sections))
+        if (wants(ReferenceKinds::Sections) && text.find('[') != std::string::npos)
             text = withBrackets(text, Pass::Sections);
     }
-    return wants(ReferenceKinds::Escapes) ? finished(text, wants(ReferenceKinds::Marks)) : text;
+    if (!wants(ReferenceKinds::Escapes) || findFrom(text, 0, EscapeStarts) == text.size())
+        return text;
+    return finished(text, wants(ReferenceKinds::Marks));
 }
 
 bool ReferenceResolver::spend(std::size_t bytes) {
@@ -214,12 +219,14 @@ bool ReferenceResolver::spend(std::size_t bytes) {
 }
 
 std::string ReferenceResolver::withSigns(std::string_view text) {
-    std::string former(text);
-    for (int round = 0; round < MaximumRounds; ++round) {
-        auto next = signRound(former);
+    auto former = signRound(text);
+    if (!former)
+        return std::string(text);
+    for (int round = 1; round < MaximumRounds; ++round) {
+        auto next = signRound(*former);
         if (!next)
-            return former;
-        former = std::move(*next);
+            return std::move(*former);
+        former = std::move(next);
     }
     // Pieces of several values that make each other without end.
     return std::string(text);
@@ -253,6 +260,7 @@ std::optional<std::string> ReferenceResolver::signRound(std::string_view text) {
         }
         if (!result) {
             result.emplace();
+            result->reserve(text.size() + value->size());
             // A round reads the whole text, whatever it replaces.
             if (!spend(text.size()))
                 return std::nullopt;
@@ -416,14 +424,15 @@ std::optional<std::string> ReferenceResolver::call(std::string_view measure, std
 }
 
 std::optional<std::string> ReferenceResolver::variable(std::string_view name, bool withBracketForms) {
-    if (equalsIgnoringCase(name, "CURRENTSECTION"))
+    constexpr std::string_view CurrentSection = "CURRENTSECTION";
+    if (name.size() == CurrentSection.size() && equalsIgnoringCase(name, CurrentSection))
         return currentSection_.empty() ? std::nullopt : std::optional(LiteralMarks::marked(currentSection_));
     if (!spend(LookUpWork) || active_.size() >= MaximumNesting)
         return std::nullopt;
     if (inputs_)
         inputs_->hasVariables = true;
     auto value = scope_.variable(name);
-    if (!value || value->find_first_of(withBracketForms ? "#%$[" : "#%$") == std::string::npos)
+    if (!value || findFrom(*value, 0, withBracketForms ? ValueStarts : SignStarts) == value->size())
         return value;
     const auto hash = CaseFolding::hash(name);
     const auto ring = std::ranges::find_if(

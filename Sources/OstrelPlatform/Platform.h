@@ -12,8 +12,12 @@ class HostStatistics;
 class MainQueue;
 class MediaPlayerBridges;
 class PictureColors;
+class ProgramRunner;
 class RecycleManagerBackend;
 class RemoteReader;
+class ScriptEngine;
+class SerialQueue;
+class WebFetcher;
 class Workspace;
 
 /// The operating system as one replaceable whole: references to the adapters that the program chose at its start, or
@@ -36,6 +40,14 @@ struct Platform {
     PictureColors* pictures = nullptr;
     /// Null where there is no trash.
     RecycleManagerBackend* recycleManager = nullptr;
+    /// Null where no script runs.
+    ScriptEngine* scripts = nullptr;
+    /// Null where no program may be started and heard.
+    ProgramRunner* programs = nullptr;
+    /// Null where no page is fetched.
+    WebFetcher* web = nullptr;
+    /// Where measures do what would hold the main thread. Null: a thread of their own.
+    SerialQueue* worker = nullptr;
 };
 
 } // namespace Ostrel

@@ -12,6 +12,16 @@ TEST(Calc, printsALineForEachText) {
     EXPECT_EQ(runOstrel({"calc", "--expression"}, "1 = 1 and 2\n--3\n1/0\n").output, "2\ninvalid\ninvalid\n");
 }
 
+TEST(Calc, evaluatesTheFullGrammar) {
+    const auto result = runOstrel({"calc", "--dialect", "full", "--allow", "web", "--3", "2**3=8", "1e3", "0?1/0:PI"});
+    EXPECT_EQ(result.output, "3\n1\ninvalid\n3.1415926535897931\n");
+    EXPECT_EQ(runOstrel({"calc", "--dialect", "full"}, "-2**2\r\n\n--root\n").output, "4\ninvalid\ninvalid\n");
+    EXPECT_EQ(runOstrel({"calc", "--dialect", "base", "2e1", "--dialect"}).output, "20\ninvalid\n");
+    EXPECT_EQ(runOstrel({"calc", "--dialect", "full", "--expression", "1"}).status, 2);
+    EXPECT_EQ(runOstrel({"calc", "--dialect", "other", "1"}).status, 2);
+    EXPECT_EQ(runOstrel({"calc", "--dialect", "full", "--screen", "0,1", "1"}).status, 2);
+}
+
 TEST(Calc, keepsWhatWasPrintedBeforeAFatalFormula) {
     const auto result = runOstrel({"calc"}, "1+1\nTRUNC(1e19)\n2\n");
     EXPECT_EQ(result.output, "2\n");

@@ -6,6 +6,7 @@
 
 namespace Ostrel {
 
+class FormulaNames;
 class SkinVariables;
 struct PackFolders;
 struct Platform;
@@ -21,7 +22,7 @@ struct SectionChoice {
 };
 
 /// What actions may do with the skin that they belong to. Each does nothing for sections that are not there. Texts that
-/// are stored (`setOption`, `setVariable`) may hold sealed data (see SealedText.h).
+/// are stored (`setOption`, `setVariable`) may hold the marks of LiteralMarks.
 class ActionHost {
 public:
     virtual ~ActionHost() = default;
@@ -29,6 +30,8 @@ public:
     virtual const Platform& platform() const = 0;
     virtual FullSkinHost& host() const = 0;
     virtual const SkinVariables& variableTable() const = 0;
+    /// Bare names in the formulas of bangs.
+    virtual const FormulaNames& measureNames() const = 0;
     /// One line with the section, each text once a minute.
     virtual void log(LogLevel level, std::string_view section, std::string_view text) = 0;
 
@@ -51,6 +54,8 @@ public:
     virtual void update() = 0;
     /// Draws with held values.
     virtual void redraw() = 0;
+    /// What waited for a delay has run; nobody else is there to see what it changed.
+    virtual void actionsDidEnd() = 0;
 };
 
 } // namespace Ostrel

@@ -13,10 +13,10 @@
 
 namespace Ostrel {
 
-/// Every n-th update, first at once; negative: once.
+/// Every n-th update, first at once; negative: once. 0 is 1.
 class UpdateDivider {
 public:
-    /// A new number begins its count.
+    /// Another number begins its count.
     void set(int divider);
     /// To be called once an update.
     bool isDue();
@@ -25,8 +25,9 @@ public:
 
 private:
     int divider_ = 1;
-    /// Updates until the next that is due; negative: never again.
+    /// Updates that are not due before the next that is; negative: none is ever due again.
     int wait_ = 0;
+    bool hasBegun_ = false;
 };
 
 /// The state of a measure: what options and bangs made of it, whichever spoke last.
@@ -36,13 +37,14 @@ struct FullMeasureEntry {
     UpdateDivider divider;
     bool isDisabled = false;
     bool isPaused = false;
+    /// Normalized.
+    std::vector<std::string> groups;
     MeasureActionState actions;
 
-    /// What was read from the options at this revision.
-    std::uint64_t optionsRevision = ~std::uint64_t(0);
-    std::string disabledText;
-    std::string pausedText;
-    std::string dividerText;
+    /// The options were read at this revision; absent before the first time.
+    std::optional<std::uint64_t> optionsRevision;
+    std::optional<std::string> disabledText;
+    std::optional<std::string> pausedText;
 };
 
 /// The measures of a skin in file order, which is the order of their updates. Filled once; positions stay.
@@ -52,10 +54,10 @@ public:
 
     std::size_t count() const { return entries_.size(); }
     FullMeasureEntry& entry(std::size_t position) { return entries_[position]; }
+    const FullMeasureEntry& entry(std::size_t position) const { return entries_[position]; }
     BaseMeasure& at(std::size_t position) const { return *measures_[position]; }
     std::optional<std::size_t> position(std::string_view name) const;
-    /// The place of a measure of this table.
-    std::optional<std::size_t> position(const BaseMeasure& measure) const;
+    /// Null when there is none.
     BaseMeasure* find(std::string_view name) const;
     const std::vector<std::unique_ptr<BaseMeasure>>& all() const { return measures_; }
 

@@ -20,17 +20,18 @@ struct FullMeterEntry {
     std::size_t section = 0;
     UpdateDivider divider;
     bool isHidden = false;
+    /// Normalized.
+    std::vector<std::string> groups;
     std::string onUpdateAction;
-    /// Values of MeasureName, MeasureName2, ...: absent for a number that is missing or an unknown measure.
+    /// The measures of MeasureName, MeasureName2, ...: absent for a number that is missing and an unknown measure.
     std::vector<std::optional<std::size_t>> bindings;
     /// What the last update took, and what the measures were at.
     std::vector<MeasureValue> held;
     std::vector<std::uint64_t> heldRevisions;
 
-    /// What was read from the options at this revision.
-    std::uint64_t optionsRevision = ~std::uint64_t(0);
-    std::string hiddenText;
-    std::string dividerText;
+    /// The options were read at this revision; absent before the first time.
+    std::optional<std::uint64_t> optionsRevision;
+    std::optional<std::string> hiddenText;
 };
 
 /// The meters of a skin in file order, which is the order of updates, layout and drawing. Filled once; positions stay.
@@ -44,6 +45,11 @@ public:
     FullMeter& at(std::size_t position) const { return *entries_[position].meter; }
     std::optional<std::size_t> position(std::string_view name) const;
     const std::vector<std::shared_ptr<MeterRenderer>>& all() const { return meters_; }
+
+    /// Reads the names of measures from the meter's options.
+    void bind(std::size_t position, const FullMeasureTable& measures);
+    /// Takes over the present values; allocates only for what changed.
+    void holdValues(std::size_t position, const FullMeasureTable& measures);
 
 private:
     std::vector<FullMeterEntry> entries_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OstrelDialect/Formula.h"
 #include "OstrelDialect/PackSkin.h"
 #include "OstrelEngine/Full/ActionHost.h"
 #include "OstrelEngine/Full/FullActions.h"
@@ -7,10 +8,12 @@
 #include "OstrelEngine/Full/FullMeasureTable.h"
 #include "OstrelEngine/Full/FullMeterTable.h"
 #include "OstrelEngine/Full/LiveSection.h"
+#include "OstrelEngine/Full/SkinLog.h"
 #include "OstrelEngine/Full/SkinScope.h"
 #include "OstrelEngine/Full/SkinVariables.h"
 #include "OstrelEngine/Measures/Full/FullMeasure.h"
 #include "OstrelEngine/Runtime/Skin.h"
+#include "OstrelPlatform/Platform.h"
 
 #include <cstdint>
 #include <memory>
@@ -21,21 +24,29 @@
 
 namespace Ostrel {
 
+class FullScriptHost;
 class RepeatingTimer;
 
-/// One running skin of the full dialect.
+/// One running skin of the full dialect: its sections, the update of measures and meters, the window's size and what
+/// actions do to it.
 class FullSkin final : public Skin, public FullMeasureHost, public ActionHost, private MeasureActionHost {
 public:
-    /// Builds measures and meters; nothing has been updated yet. Platform and host outlive the skin. `cycles` is what
+    /// Builds measures and meters; nothing has been updated yet. What the platform refers to and the host outlive the
+    /// skin. `cycles` is what
     /// the counter stood at before a refresh.
     static std::shared_ptr<FullSkin> create(
         PackSkin skin, const Platform& platform, FullSkinHost& host, std::int64_t cycles = 0);
     ~FullSkin() override;
 
-    /// The window has got a place, other screens are there.
+    /// The window has got another place, or there are other screens.
     void placeDidChange();
-    /// A bang from elsewhere, references resolved.
+    /// A bang from another skin or from outside.
     bool runBang(const BangCall& call);
+    /// A meter's or the skin's own action, its `#V#` resolved, while an event goes on.
+    bool runEventAction(std::string_view action, const ActionOrigin& origin);
+    /// An option of [Rainmeter] as it was read at load; absent when it is not written.
+    std::optional<std::string_view> skinOption(const CaseKey& key) const { return option(skinOptions_, key); }
+    const FullMeterTable& meterTable() const { return meters_; }
 
     // Skin
     void start() override;
@@ -58,7 +69,7 @@ public:
     void submitInputText(std::string_view measureName, std::string_view value) override;
     void dismissInputText(std::string_view measureName) override;
 
-    // FullMeasureHost, ActionHost
+    // FullMeasureHost
     const PackFolders& folders() const override { return skin_.folders; }
     const Platform& platform() const override { return platform_; }
     void log(LogLevel level, std::string_view section, std::string_view text) override;
@@ -66,11 +77,14 @@ public:
     void runAction(const BaseMeasure& measure, std::string_view action) override;
     std::string resolved(const BaseMeasure& measure, std::string_view raw) const override;
     std::int64_t cycleCount() const override { return cycleCount_; }
-    void valueDidArrive(BaseMeasure& measure) override;
+    void valueDidArrive(BaseMeasure&) override { }
+    void promptInput(const std::optional<InputTextPresentation>& presentation) override;
     ScriptHost& scriptHost() override;
 
+    // ActionHost
     FullSkinHost& host() const override { return host_; }
     const SkinVariables& variableTable() const override { return variables_; }
+    const FormulaNames& measureNames() const override { return measureNames_; }
     void setVariable(std::string_view name, std::string_view value) override;
     void setOption(const SectionChoice& sections, std::string_view key, std::string_view value) override;
     void switchMeters(const SectionChoice& meters, Switch shown) override;
@@ -82,55 +96,78 @@ public:
     void commandMeasure(std::string_view measure, std::string_view arguments) override;
     void update() override;
     void redraw() override;
+    void actionsDidEnd() override;
 
 private:
-    enum class Cause { Tick, Bang };
+    /// Bare names of measures in formulas.
+    class MeasureNames final : public FormulaNames {
+    public:
+        explicit MeasureNames(const FullMeasureTable& measures)
+            : measures_(measures) { }
+        std::optional<std::size_t> place(std::string_view name) const override { return measures_.position(name); }
+        double value(std::size_t place) const override { return measures_.at(place).value().numericValue; }
+
+    private:
+        const FullMeasureTable& measures_;
+    };
+    enum class Cause { Cycle, Bang };
 
     FullSkin(PackSkin skin, const Platform& platform, FullSkinHost& host, std::int64_t cycles);
 
-    void build();
     void readSkinOptions();
+    void buildMeasure(std::size_t section);
+    void buildMeter(std::size_t section);
     void armTimer();
+    void runCycle();
     void updateMeasure(std::size_t position, Cause cause);
     void updateMeter(std::size_t position, Cause cause);
     void readMeasureState(std::size_t position);
     void readMeterState(std::size_t position);
+    void setDisabled(FullMeasureEntry& entry, bool isDisabled);
     void fitWindow();
     void publish();
     void runSkinAction(const CaseKey& key);
     std::vector<std::size_t> chosenMeasures(const SectionChoice& choice) const;
     std::vector<std::size_t> chosenMeters(const SectionChoice& choice) const;
+    void setSectionOption(LiveSection& section, std::string_view key, std::string_view value);
 
     // MeasureActionHost
-    const FormulaNames& measureNames() const override;
     void runMeasureAction(const BaseMeasure& measure, std::string_view action) override;
     void logMeasure(const BaseMeasure& measure, std::string_view text) override;
 
     PackSkin skin_;
-    const Platform& platform_;
+    const Platform platform_;
     FullSkinHost& host_;
+    SkinLog log_;
     mutable std::optional<SkinConfig> config_;
 
     LiveSections sections_;
     SkinVariables variables_;
     FullMeasureTable measures_;
+    MeasureNames measureNames_;
     FullMeterTable meters_;
     FullLayout layout_;
     SkinScope scope_;
     FullActions actions_;
-    FullMeterContext meterContext_;
+    std::unique_ptr<FullScriptHost> scriptHost_;
 
-    double updateIntervalSeconds_ = 1;
+    Options skinOptions_;
+    FullMeterContext meterContext_;
+    double updateIntervalSeconds_ = 0;
     int defaultDivider_ = 1;
     bool isWindowDynamic_ = false;
+    /// 0 in a direction that follows the meters.
     Size fixedSize_;
     Size windowSize_;
+    bool hasWindowSize_ = false;
+
     std::vector<Drawable> drawables_;
     std::unique_ptr<RepeatingTimer> timer_;
     int tickCount_ = 0;
     std::int64_t cycleCount_ = 0;
-    int updateDepth_ = 0;
+    int cycleDepth_ = 0;
     bool isRunning_ = false;
+    bool areScriptsLoaded_ = false;
 };
 
 } // namespace Ostrel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OstrelDialect/ActionText.h"
 #include "OstrelEngine/Geometry.h"
 #include "OstrelEngine/Measures/Full/FullMeasure.h"
 #include "OstrelEngine/Runtime/SkinHost.h"
@@ -42,10 +43,11 @@ struct SkinPlace {
     friend bool operator==(const SkinPlace&, const SkinPlace&) = default;
 };
 
-/// A bang whose references are resolved. `name` is as in the table of bangs, without "!".
+/// A bang whose references are resolved. `name` is without "!" and old prefix. Arguments may hold the marks of
+/// LiteralMarks.
 struct BangCall {
     std::string name;
-    std::vector<std::string> arguments;
+    std::vector<ActionArgument> arguments;
 };
 
 /// Whom a bang is for.

@@ -12,8 +12,12 @@ namespace Ostrel {
 
 class FullLayout;
 class FullMeasureTable;
-class ScriptHost;
 class SkinVariables;
+struct MeasureValue;
+struct PackFolders;
+
+/// The text of a value where no meter formats it.
+std::string measureText(const MeasureValue& value);
 
 /// What a resolved text was made of: while nothing of it changes, it would come out the same.
 struct ReferenceDependencies {
@@ -43,7 +47,8 @@ public:
 class SkinScope final : public ReferenceScope {
 public:
     /// All must outlive this.
-    SkinScope(const SkinVariables& variables, const FullMeasureTable& measures, FullLayout& layout);
+    SkinScope(const SkinVariables& variables, const FullMeasureTable& measures, FullLayout& layout,
+        const PackFolders& folders);
 
     std::optional<std::string> variable(std::string_view name) const override;
     std::optional<std::string> section(std::string_view name, std::optional<std::string_view> parameter) const override;
@@ -57,30 +62,21 @@ public:
         ReferenceDependencies& dependencies) const;
     bool isCurrent(const ReferenceDependencies& dependencies) const;
 
-    /// While one lives, values of sections, calls and events come sealed (see SealedText.h) and `$name$` is known.
-    class ActionResolution {
-    public:
-        ActionResolution(const SkinScope& scope, const EventValues* events);
-        ~ActionResolution();
-        ActionResolution(const ActionResolution&) = delete;
-        ActionResolution& operator=(const ActionResolution&) = delete;
-
-    private:
-        const SkinScope& scope_;
-        const EventValues* previousEvents_;
-        bool wasSealing_;
-    };
+    /// A text that is not kept, with an event's values where one is going on.
+    std::string resolveNow(std::string_view text, std::string_view section, ReferenceKinds kinds,
+        const EventValues* events = nullptr) const;
 
 private:
-    std::optional<std::string> measureText(std::size_t position, std::optional<std::string_view> parameter) const;
-    std::string data(std::string text) const;
+    std::optional<std::string> measureReference(std::size_t position, std::optional<std::string_view> parameter) const;
+    void note(ReferenceDependencies::Item::Kind kind, std::size_t position, std::uint64_t revision) const;
+    void noteVolatile() const;
 
     const SkinVariables& variables_;
     const FullMeasureTable& measures_;
     FullLayout& layout_;
+    const PackFolders& folders_;
     mutable ReferenceDependencies* recorded_ = nullptr;
     mutable const EventValues* events_ = nullptr;
-    mutable bool isSealing_ = false;
 };
 
 } // namespace Ostrel

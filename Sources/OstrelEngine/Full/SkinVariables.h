@@ -25,8 +25,8 @@ public:
     /// Grows when a variable is made: what was unknown may be known now.
     std::uint64_t namesRevision() const { return namesRevision_; }
 
-    /// Of [Variables] and by bangs only; built-in ones stay.
-    void set(std::string_view name, std::string_view value);
+    /// False when nothing was set: built-in ones stay, and there is a limit to length and number.
+    bool set(std::string_view name, std::string_view value);
     /// The window's place, size and screens for the built-in ones.
     void setPlace(const SkinPlace& place, Size window);
 
@@ -46,6 +46,8 @@ private:
     std::vector<Value> values_;
     Options own_;
     std::uint64_t namesRevision_ = 0;
+    std::vector<SkinPlace::Screen> screens_;
+    std::size_t primary_ = 0;
 };
 
 } // namespace Ostrel

@@ -17,7 +17,6 @@ namespace Ostrel::ImageLoader {
 
 namespace {
 
-constexpr qint64 MostPixels = 64'000'000;
 constexpr int MostMegabytes = 256;
 constexpr qint64 MostShapeBytes = 1 << 20;
 constexpr qsizetype MostShapeReuses = 32;
@@ -43,13 +42,23 @@ QImage read(QImageReader& reader) {
     return reader.read();
 }
 
-QImage decoded(QIODevice& source) {
-    QImageReader reader(&source);
+QImage decodedBy(QImageReader& reader) {
     reader.setDecideFormatFromContent(true);
     const QImage image = read(reader);
     if (image.isNull() || image.format() == QImage::Format_ARGB32_Premultiplied)
         return image;
     return image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
+}
+
+QImage decoded(QIODevice& source) {
+    QImageReader reader(&source);
+    return decodedBy(reader);
+}
+
+QImage decodedUpright(QIODevice& source) {
+    QImageReader reader(&source);
+    reader.setAutoTransform(true);
+    return decodedBy(reader);
 }
 
 QImage decodedBytes(QByteArray bytes) {
@@ -115,6 +124,10 @@ QImage load(const std::string& pathOrURL, RemoteReader& remoteReader) {
         return loadFile(pathOrURL, decoded);
     const auto bytes = remoteReader.read(pathOrURL);
     return bytes ? decodedBytes(QByteArray::fromStdString(*bytes)) : QImage();
+}
+
+QImage loadFile(const std::string& path, Orientation orientation) {
+    return loadFile(path, orientation == Orientation::AsStored ? decoded : decodedUpright);
 }
 
 QImage loadStoredColors(const std::string& path) {

@@ -14,4 +14,12 @@ void MeterRenderer::setOption(std::string_view key, std::string_view value) {
     optionsDidChange();
 }
 
+void MeterRenderer::removeOption(std::string_view key) {
+    if (!options_.contains(key))
+        return;
+    options_.remove(key);
+    ++optionsRevision_;
+    optionsDidChange();
+}
+
 } // namespace Ostrel

@@ -47,6 +47,8 @@ public:
     /// Grows with every change of an option.
     std::uint64_t optionsRevision() const { return optionsRevision_; }
     void setOption(std::string_view key, std::string_view value);
+    /// The option is as if it had never been there.
+    void removeOption(std::string_view key);
 
     /// Draws into a painter whose coordinates are those of the widget. `values` are those of the bound measures, in
     /// binding order.

@@ -25,7 +25,9 @@ LinuxPlatform::LinuxPlatform()
           .remoteReader = remoteReader_,
           .workspace = &workspace_,
           .appearance = &appearance_,
-          .recycleManager = &recycleManager_} { }
+          .recycleManager = &recycleManager_,
+          .scripts = &scripts_,
+          .worker = &worker_} { }
 
 LinuxPlatform::~LinuxPlatform() = default;
 

@@ -63,6 +63,20 @@ std::shared_ptr<Typeface> FontLibrary::typeface(const FontLookup::Request& reque
     return typeface;
 }
 
+std::shared_ptr<Typeface> FontLibrary::familyTypeface(const FontLookup::FamilyRequest& request) {
+    forgetLookupsOfOldFonts();
+    if (const auto known = familyLookups_.find(request); known != familyLookups_.end()) {
+        if (auto typeface = known->second.lock())
+            return typeface;
+    }
+    std::erase_if(familyLookups_, [](const auto& entry) { return entry.second.expired(); });
+    const auto file = FontLookup::familyFace(request, "Arial");
+    auto typeface = file ? open(*file) : nullptr;
+    if (typeface)
+        familyLookups_[request] = typeface;
+    return typeface;
+}
+
 std::shared_ptr<Typeface> FontLibrary::fallback(
     std::u32string_view characters, const FontLookup::Request& request, bool isEmoji) {
     forgetLookupsOfOldFonts();
@@ -101,6 +115,7 @@ void FontLibrary::forgetLookupsOfOldFonts() {
         return;
     fontsRevision_ = FontRegistry::revision();
     lookups_.clear();
+    familyLookups_.clear();
     fallbacks_.clear();
 }
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 struct hb_buffer_t;
 
@@ -21,6 +22,8 @@ public:
 
     /// Null only on a machine without fonts. Closed when nobody holds it any longer.
     std::shared_ptr<Typeface> typeface(const FontLookup::Request& request);
+    /// The same for a font of the full dialect; Arial or its like stands in for a family that is missing.
+    std::shared_ptr<Typeface> familyTypeface(const FontLookup::FamilyRequest& request);
     /// A face that covers all the characters, which `request`'s own does not; null when there is none.
     std::shared_ptr<Typeface> fallback(
         std::u32string_view characters, const FontLookup::Request& request, bool isEmoji);
@@ -39,7 +42,8 @@ private:
     };
     struct FileOrder {
         bool operator()(const FaceFile& a, const FaceFile& b) const {
-            return std::tie(a.path, a.index) < std::tie(b.path, b.index);
+            return std::tie(a.path, a.index, a.isEmboldened, a.isSlanted)
+                < std::tie(b.path, b.index, b.isEmboldened, b.isSlanted);
         }
     };
 
@@ -51,6 +55,7 @@ private:
     hb_buffer_t* buffer_;
     std::map<FaceFile, std::weak_ptr<Typeface>, FileOrder> open_;
     std::map<FontLookup::Request, std::weak_ptr<Typeface>> lookups_;
+    std::map<FontLookup::FamilyRequest, std::weak_ptr<Typeface>> familyLookups_;
     /// Null for characters that no font has.
     std::map<FallbackKey, std::shared_ptr<Typeface>> fallbacks_;
     /// The fonts of skins that the lookups knew of.

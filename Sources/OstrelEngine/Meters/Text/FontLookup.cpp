@@ -3,6 +3,7 @@
 #include <fontconfig/fontconfig.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <memory>
 #include <vector>
@@ -95,12 +96,13 @@ std::vector<Candidate> facesWith(const char* object, std::string_view value) {
 struct Wanted {
     Weight weight = RegularWeight;
     bool isItalic = false;
+    int width = FC_WIDTH_NORMAL;
 };
 
 const Candidate* nearest(const std::vector<Candidate>& candidates, const Wanted& wanted) {
     const auto distance = [&](const Candidate& candidate) {
         const int slant = candidate.isItalic == wanted.isItalic ? 0 : 10'000;
-        return slant + std::abs(candidate.width - FC_WIDTH_NORMAL) * 20 + std::abs(candidate.weight - wanted.weight);
+        return slant + std::abs(candidate.width - wanted.width) * 20 + std::abs(candidate.weight - wanted.weight);
     };
     const auto best = std::min_element(candidates.begin(), candidates.end(),
         [&](const Candidate& a, const Candidate& b) { return distance(a) < distance(b); });
@@ -181,7 +183,57 @@ Candidate withTraits(const Candidate& base, const Request& request) {
     return found ? *found : base;
 }
 
+/// The faces that a name of the full dialect chooses from, and what the name itself says of the style.
+struct Family {
+    std::vector<Candidate> faces;
+    Wanted style;
+};
+
+Family familyNamed(std::string_view name) {
+    Family family{facesWith(FC_FAMILY, name), {}};
+    if (!family.faces.empty())
+        return family;
+    if (const auto exact = exactFace(name))
+        return {facesWith(FC_FAMILY, exact->family), {exact->weight, exact->isItalic, exact->width}};
+    if (const auto compatible = metricCompatibleFace(name))
+        return {facesWith(FC_FAMILY, compatible->family), {}};
+    return family;
+}
+
+int widthOfStretch(int stretch) {
+    constexpr std::array Widths
+        = {FC_WIDTH_ULTRACONDENSED, FC_WIDTH_EXTRACONDENSED, FC_WIDTH_CONDENSED, FC_WIDTH_SEMICONDENSED,
+            FC_WIDTH_NORMAL, FC_WIDTH_SEMIEXPANDED, FC_WIDTH_EXPANDED, FC_WIDTH_EXTRAEXPANDED, FC_WIDTH_ULTRAEXPANDED};
+    return Widths[static_cast<std::size_t>(std::clamp(stretch, 1, 9) - 1)];
+}
+
 } // namespace
+
+std::optional<FaceFile> familyFace(const FamilyRequest& request, std::string_view substituteFamily) {
+    auto family = familyNamed(request.name.empty() ? substituteFamily : std::string_view(request.name));
+    if (family.faces.empty())
+        family = familyNamed(substituteFamily);
+    if (family.faces.empty()) {
+        const auto any = interfaceFace(substituteFamily, RegularWeight);
+        return any ? std::optional(any->file) : std::nullopt;
+    }
+    auto wanted = family.style;
+    wanted.weight = request.weight.value_or(request.isBold ? std::max(BoldWeight, wanted.weight) : wanted.weight);
+    wanted.isItalic = wanted.isItalic || request.isItalic;
+    if (request.stretch != 5)
+        wanted.width = widthOfStretch(request.stretch);
+    const auto* found = nearest(family.faces, wanted);
+    // One name may stand for a single weight of a larger family.
+    if (wanted.weight >= LightestBold && found->weight < LightestBold) {
+        for (auto& face : facesWith(FC_FAMILY, std::string(found->family)))
+            family.faces.push_back(std::move(face));
+        found = nearest(family.faces, wanted);
+    }
+    FaceFile file = found->file;
+    file.isEmboldened = wanted.weight >= LightestBold && found->weight < LightestBold;
+    file.isSlanted = wanted.isItalic && !found->isItalic;
+    return file;
+}
 
 std::optional<FaceFile> face(const Request& request, std::string_view interfaceFamily) {
     auto base = request.name.empty() ? std::nullopt : namedFace(request.name);

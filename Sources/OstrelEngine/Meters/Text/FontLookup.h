@@ -2,6 +2,7 @@
 
 #include "OstrelEngine/Meters/Text/Typeface.h"
 
+#include <compare>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,24 @@ struct Request {
 
     friend auto operator<=>(const Request&, const Request&) = default;
 };
+
+/// A font by its family, as skins of the full dialect name it.
+struct FamilyRequest {
+    /// A family, or family and style as one name.
+    std::string name;
+    /// 1 to 999; absent for that of the name. It beats `isBold`.
+    std::optional<Weight> weight;
+    bool isBold = false;
+    bool isItalic = false;
+    /// 1 (narrowest) to 9, 5 for normal.
+    int stretch = 5;
+
+    friend auto operator<=>(const FamilyRequest&, const FamilyRequest&) = default;
+};
+
+/// The nearest face of the family, of a metric-compatible one, of `substituteFamily`, or any. What the family lacks of
+/// boldness and slant is asked of the renderer. Absent only on a machine without fonts.
+std::optional<FaceFile> familyFace(const FamilyRequest& request, std::string_view substituteFamily);
 
 /// In this order: the exact face, its family, a metric-compatible family, the family `interfaceFamily`. Absent only on
 /// a machine without fonts.

@@ -67,10 +67,23 @@ bool isReasonable(FT_Outline& outline) {
 
 } // namespace
 
-GlyphBitmaps::GlyphBitmaps(FT_FaceRec_* face, double pixelSize, bool antiAlias)
+void GlyphSynthesis::apply(FT_Outline_& outline, double em) const {
+    if (isEmboldened) {
+        const auto strength = static_cast<FT_Pos>(std::lround(em * BoldStrength));
+        FT_Outline_Embolden(&outline, strength);
+        FT_Outline_Translate(&outline, -strength / 2, -strength / 2);
+    }
+    if (isSlanted) {
+        const FT_Matrix shear{0x10000, static_cast<FT_Fixed>(Slant * 0x10000), 0, 0x10000};
+        FT_Outline_Transform(&outline, &shear);
+    }
+}
+
+GlyphBitmaps::GlyphBitmaps(FT_FaceRec_* face, double pixelSize, bool antiAlias, const GlyphSynthesis& synthesis)
     : face_(face)
     , pixelSize_(pixelSize)
-    , antiAlias_(antiAlias) { }
+    , antiAlias_(antiAlias)
+    , synthesis_(synthesis) { }
 
 const GlyphBitmap& GlyphBitmaps::bitmap(std::uint32_t glyph, int phase) {
     Entry& entry = entries_[glyph][static_cast<std::size_t>(phase)];
@@ -103,6 +116,7 @@ GlyphBitmaps::Entry GlyphBitmaps::render(std::uint32_t glyph, int phase) const {
         return {};
     const auto slot = face_->glyph;
     if (slot->format == FT_GLYPH_FORMAT_OUTLINE) {
+        synthesis_.apply(slot->outline, pixelSize_ * 64);
         if (!isReasonable(slot->outline))
             return {};
         if (antiAlias_)

@@ -7,8 +7,23 @@
 #include <memory>
 
 struct FT_FaceRec_;
+struct FT_Outline_;
 
 namespace Ostrel {
+
+/// What the renderer adds to the outlines of a face.
+struct GlyphSynthesis {
+    bool isEmboldened = false;
+    bool isSlanted = false;
+
+    /// Of the em, by which a stroke gains width.
+    static constexpr double BoldStrength = 1.0 / 24;
+    /// To the right for each unit of height.
+    static constexpr double Slant = 0.21;
+
+    /// `em` is in the outline's own units.
+    void apply(FT_Outline_& outline, double em) const;
+};
 
 /// The picture of a glyph. The pixels live until `makeRoom`.
 struct GlyphBitmap {
@@ -29,7 +44,7 @@ public:
     /// Places within a pixel at which a glyph may begin.
     static constexpr int Phases = 4;
 
-    GlyphBitmaps(FT_FaceRec_* face, double pixelSize, bool antiAlias);
+    GlyphBitmaps(FT_FaceRec_* face, double pixelSize, bool antiAlias, const GlyphSynthesis& synthesis = {});
 
     double pixelSize() const { return pixelSize_; }
     bool antiAlias() const { return antiAlias_; }
@@ -53,6 +68,7 @@ private:
     FT_FaceRec_* face_;
     double pixelSize_;
     bool antiAlias_;
+    GlyphSynthesis synthesis_;
     GlyphPages<std::array<Entry, Phases>> entries_;
     std::size_t pixelBytes_ = 0;
 };

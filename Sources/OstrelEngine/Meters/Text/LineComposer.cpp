@@ -56,9 +56,14 @@ void addOutlines(QPainterPath& path, const DeviceLine& line, const GlyphSpan& sp
 
 } // namespace
 
+LineComposer& LineComposer::shared() {
+    static LineComposer composer;
+    return composer;
+}
+
 bool LineComposer::compose(const DeviceLine& line, int margin, const QColor& color) {
     collect(line);
-    const QRect whole = bounds() | line.underline;
+    const QRect whole = bounds() | line.underline | line.strike;
     const QRect area
         = whole.adjusted(-margin, -margin, margin, margin) & line.clip.adjusted(-margin, -margin, margin, margin);
     if (whole.isEmpty() || area.isEmpty())
@@ -70,6 +75,7 @@ bool LineComposer::compose(const DeviceLine& line, int margin, const QColor& col
     for (const auto& placed : bitmaps_)
         image_.blend(*placed.bitmap, placed.origin);
     image_.fill(line.underline);
+    image_.fill(line.strike);
     return true;
 }
 

@@ -24,11 +24,16 @@ struct DeviceLine {
     QRect underline;
     /// Nothing is seen outside.
     QRect clip;
+    /// Empty without a line through the letters.
+    QRect strike = QRect();
 };
 
 /// Puts lines together, one at a time, in memory that is kept because lines follow each other by the dozen.
 class LineComposer {
 public:
+    /// Main thread.
+    static LineComposer& shared();
+
     /// The line in one color on transparent ground, within its clip and `margin` pixels around it. False when nothing
     /// of it is to be seen.
     bool compose(const DeviceLine& line, int margin, const QColor& color);

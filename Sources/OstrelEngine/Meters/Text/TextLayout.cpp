@@ -180,12 +180,16 @@ std::size_t TextLayout::linesWithin(double height) const {
 
 namespace TextLayouts {
 
-std::u16string preparedText(std::string_view text) {
+std::u16string preparedText(std::string_view text, std::vector<std::uint32_t>* unitOfByte) {
     std::u16string result;
+    if (unitOfByte)
+        unitOfByte->clear();
     result.reserve(std::min(text.size(), MostUnits));
     for (std::size_t at = 0; at < text.size() && result.size() < MostUnits;) {
         const auto c = decodeCharacter(text, at);
         at += c.length;
+        if (unitOfByte)
+            unitOfByte->resize(at, static_cast<std::uint32_t>(result.size()));
         if (c.value == '\r' && at < text.size() && text[at] == '\n')
             continue;
         if (c.value == '\t')
@@ -197,7 +201,17 @@ std::u16string preparedText(std::string_view text) {
         else if (c.value >= 0x20 && (c.value < 0x7F || c.value > 0x9F))
             result.push_back(static_cast<char16_t>(c.value));
     }
+    if (unitOfByte)
+        unitOfByte->resize(text.size() + 1, static_cast<std::uint32_t>(result.size()));
     return result;
+}
+
+std::vector<std::size_t> wordEnds(std::u16string_view text) {
+    return divisions(text, BreakAt::words);
+}
+
+std::vector<std::size_t> characterEnds(std::u16string_view text) {
+    return divisions(text, BreakAt::characters);
 }
 
 TextLayout inLines(std::u16string_view text, const TextSetting& setting, std::optional<double> maximumWidth) {

@@ -2,6 +2,7 @@
 
 #include "OstrelEngine/Meters/Text/TextLine.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,8 +22,12 @@ struct TextLayout {
 
 namespace TextLayouts {
 
-/// UTF-16 without control characters other than line ends, cut after 16,384 units.
-std::u16string preparedText(std::string_view text);
+/// UTF-16 without control characters other than line ends, cut after 16,384 units. `unitOfByte`, if given, gets the
+/// unit that each byte became part of, and the end for the bytes that are cut off and for the one behind the text.
+std::u16string preparedText(std::string_view text, std::vector<std::uint32_t>* unitOfByte = nullptr);
+/// Positions behind which a line may end between words, and those between characters; the text's end is the last.
+std::vector<std::size_t> wordEnds(std::u16string_view text);
+std::vector<std::size_t> characterEnds(std::u16string_view text);
 /// One line for each of the text's own, or broken between words at `maximumWidth`, within a word only where it is
 /// wider than a line.
 TextLayout inLines(std::u16string_view text, const TextSetting& setting, std::optional<double> maximumWidth);

@@ -2,7 +2,9 @@
 
 #include "OstrelEngine/Meters/Text/TextRuns.h"
 
+#include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +39,14 @@ struct TextLine {
     double height() const { return ascent + descent + leading; }
 };
 
+/// A feature of OpenType by its four letters.
+struct TextFeature {
+    std::uint32_t tag = 0;
+    std::uint32_t value = 1;
+
+    friend bool operator==(const TextFeature&, const TextFeature&) = default;
+};
+
 /// How a text is set.
 struct TextSetting {
     TextFont font;
@@ -50,6 +60,32 @@ namespace TextShaper {
 TextLine shape(std::u16string_view line, const TextSetting& setting, TextDirection direction);
 /// For each unit of the text the advance of the cluster that begins there, 0 inside of one.
 std::vector<double> advances(std::u16string_view text, const TextSetting& setting, TextDirection direction);
+
+/// A glyph that has no place yet. Lengths are in points.
+struct ShapedGlyph {
+    std::uint32_t glyph = 0;
+    /// Counts the runs.
+    std::uint32_t run = 0;
+    /// Where its character begins in the text.
+    std::uint32_t unit = 0;
+    /// Its character, or several that became one, has no glyph after it.
+    bool endsCluster = true;
+    double advance = 0;
+    double x = 0;
+    double y = 0;
+};
+
+struct ShapedText {
+    std::vector<TextRun> runs;
+    /// From left to right as they are seen.
+    std::vector<ShapedGlyph> glyphs;
+};
+
+/// Without the setting's spacing, which `isSpaced` stands for: letters show one by one.
+ShapedText glyphs(std::u16string_view text, const TextSetting& setting, TextDirection direction, bool isSpaced,
+    std::span<const TextFeature> features);
+/// Grows the line's ink by a glyph's.
+void takeInInk(TextLine& line, Typeface& typeface, const PlacedGlyph& glyph, double size);
 
 } // namespace TextShaper
 

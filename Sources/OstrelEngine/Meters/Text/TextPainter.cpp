@@ -15,38 +15,15 @@ namespace Ostrel::TextPainter {
 
 namespace {
 
-/// Far beyond any screen; outlines beyond it would leave the painter's coordinates.
-constexpr double LargestPixelSize = 16'384;
-/// In device pixels; a shadow that is blurred more is hardly seen, and costs with its square.
-constexpr double LargestDeviation = 12;
 /// Of the font size, as the stroke that stands for an outlined text.
 constexpr double OutlineWidth = 0.02;
-
-LineComposer& composer() {
-    static LineComposer shared;
-    return shared;
-}
-
-void drawShadow(QPainter& painter, const DeviceLine& line, const TextShadow& shadow, const Color& textColor) {
-    const double deviation = std::min(shadow.blurRadius / 2 * line.scale, LargestDeviation);
-    const QPoint offset(static_cast<int>(std::lround(boundedCoordinate(shadow.offsetX * line.scale))),
-        static_cast<int>(std::lround(boundedCoordinate(shadow.offsetY * line.scale))));
-    DeviceLine shifted = line;
-    // What is hidden itself may throw a shadow that is seen.
-    shifted.clip = line.clip.translated(-offset);
-    if (!composer().compose(shifted, static_cast<int>(std::ceil(deviation * 3)) + 1, toQColor(textColor)))
-        return;
-    auto& image = composer().image();
-    image.turnIntoShadow(deviation, qPremultiply(toQColor(shadow.color).rgba()));
-    painter.drawImage(image.topLeft() + offset, image.view());
-}
 
 /// The painter is in device space.
 void drawLine(QPainter& painter, const DeviceLine& line, const TextAppearance& look) {
     if (look.shadow)
         drawShadow(painter, line, *look.shadow, look.color);
-    if (composer().compose(line, 0, toQColor(look.color)))
-        painter.drawImage(composer().image().topLeft(), composer().image().view());
+    if (LineComposer::shared().compose(line, 0, toQColor(look.color)))
+        painter.drawImage(LineComposer::shared().image().topLeft(), LineComposer::shared().image().view());
     if (!look.outlineColor)
         return;
     painter.setRenderHint(QPainter::Antialiasing, look.antiAlias);
@@ -85,6 +62,20 @@ QRect sidesOf(const Rect& rect, const DeviceSpace& space, const QRect& device) {
 
 } // namespace
 
+void drawShadow(QPainter& painter, const DeviceLine& line, const TextShadow& shadow, const Color& textColor) {
+    const double deviation = std::min(shadow.blurRadius / 2 * line.scale, LargestDeviation);
+    const QPoint offset(static_cast<int>(std::lround(boundedCoordinate(shadow.offsetX * line.scale))),
+        static_cast<int>(std::lround(boundedCoordinate(shadow.offsetY * line.scale))));
+    DeviceLine shifted = line;
+    // What is hidden itself may throw a shadow that is seen.
+    shifted.clip = line.clip.translated(-offset);
+    if (!LineComposer::shared().compose(shifted, static_cast<int>(std::ceil(deviation * 3)) + 1, toQColor(textColor)))
+        return;
+    auto& image = LineComposer::shared().image();
+    image.turnIntoShadow(deviation, qPremultiply(toQColor(shadow.color).rgba()));
+    painter.drawImage(image.topLeft() + offset, image.view());
+}
+
 void draw(QPainter& painter, const TextLayout& layout, double fontSize, const Rect& rect, const TextAppearance& look) {
     const QRect device(0, 0, painter.device()->width(), painter.device()->height());
     const DeviceSpace space(painter);
@@ -105,6 +96,11 @@ void draw(QPainter& painter, const TextLayout& layout, double fontSize, const Re
     }
 }
 
+Rect shadowRect(const Rect& painted, const TextShadow& shadow) {
+    const double reach = 3 * std::min(shadow.blurRadius / 2, LargestDeviation) + 2;
+    return painted.translated(shadow.offsetX, shadow.offsetY).expanded(reach);
+}
+
 Rect paintRect(const TextLayout& layout, double fontSize, const Rect& rect, const TextAppearance& look) {
     // For hinting, for what is rounded to whole pixels, and for the underline.
     const double margin = 2 + fontSize * OutlineWidth + (look.isUnderlined ? fontSize * 0.25 : 0);
@@ -120,8 +116,7 @@ Rect paintRect(const TextLayout& layout, double fontSize, const Rect& rect, cons
     }
     if (!look.shadow)
         return painted;
-    const double reach = 3 * std::min(look.shadow->blurRadius / 2, LargestDeviation) + 2;
-    return painted.united(painted.translated(look.shadow->offsetX, look.shadow->offsetY).expanded(reach));
+    return painted.united(shadowRect(painted, *look.shadow));
 }
 
 } // namespace Ostrel::TextPainter

@@ -102,14 +102,15 @@ std::shared_ptr<Typeface> Typeface::open(const FaceFile& file, const std::shared
         return nullptr;
     const int unitsPerEm = opened->units_per_EM > 0 ? opened->units_per_EM : 1000;
     Shaper shaper(shaperOf(bytes.get(), file.index, unitsPerEm));
-    return std::shared_ptr<Typeface>(new Typeface(library, std::move(bytes), std::move(face), std::move(shaper)));
+    return std::shared_ptr<Typeface>(new Typeface(library, std::move(bytes), std::move(face), std::move(shaper), file));
 }
 
-Typeface::Typeface(std::shared_ptr<FT_LibraryRec_> library, Blob bytes, Face face, Shaper shaper)
+Typeface::Typeface(std::shared_ptr<FT_LibraryRec_> library, Blob bytes, Face face, Shaper shaper, const FaceFile& file)
     : library_(std::move(library))
     , bytes_(std::move(bytes))
     , face_(std::move(face))
-    , shaper_(std::move(shaper)) {
+    , shaper_(std::move(shaper))
+    , synthesis_{file.isEmboldened, file.isSlanted} {
     int scale = 0;
     hb_font_get_scale(shaper_.get(), &scale, nullptr);
     unitsPerEm_ = scale;
@@ -120,6 +121,13 @@ Typeface::Typeface(std::shared_ptr<FT_LibraryRec_> library, Blob bytes, Face fac
     metrics_.leading = extents.line_gap / unitsPerEm_;
     metrics_.underlineOffset = -face_->underline_position / unitsPerEm_;
     metrics_.underlineThickness = face_->underline_thickness / unitsPerEm_;
+    hb_position_t strike = 0;
+    if (hb_ot_metrics_get_position(shaper_.get(), HB_OT_METRICS_TAG_STRIKEOUT_SIZE, &strike))
+        metrics_.strikeThickness = strike / unitsPerEm_;
+    if (hb_ot_metrics_get_position(shaper_.get(), HB_OT_METRICS_TAG_STRIKEOUT_OFFSET, &strike))
+        metrics_.strikeOffset = strike / unitsPerEm_ - metrics_.strikeThickness / 2;
+    else
+        metrics_.strikeOffset = metrics_.ascent * 0.3;
     for (char32_t c = 0; c < CommonCharacters; ++c)
         commonCoverage_[c] = hasGlyph(c);
 }
@@ -146,6 +154,11 @@ const Rect& Typeface::inkBox(std::uint32_t glyph) {
         hb_font_get_glyph_extents(shaper_.get(), glyph, &extents);
         box = {extents.x_bearing / unitsPerEm_, -extents.y_bearing / unitsPerEm_, extents.width / unitsPerEm_,
             -extents.height / unitsPerEm_};
+        if (synthesis_.isEmboldened)
+            box = box->expanded(GlyphSynthesis::BoldStrength);
+        if (synthesis_.isSlanted)
+            box = box->united(box->translated(-box->minY() * GlyphSynthesis::Slant, 0))
+                      .united(box->translated(-box->maxY() * GlyphSynthesis::Slant, 0));
     }
     return *box;
 }
@@ -155,6 +168,7 @@ void Typeface::addOutline(QPainterPath& path, std::uint32_t glyph, const QPointF
         return;
     if (face_->glyph->format != FT_GLYPH_FORMAT_OUTLINE)
         return;
+    synthesis_.apply(face_->glyph->outline, unitsPerEm_);
     OutlineSink sink{path, origin, size / unitsPerEm_};
     FT_Outline_Decompose(&face_->glyph->outline, &OutlineFunctions, &sink);
     path.closeSubpath();
@@ -168,7 +182,7 @@ GlyphBitmaps& Typeface::bitmaps(double pixelSize, bool antiAlias) {
     } else {
         if (sizes_.size() == MostSizes)
             sizes_.pop_back();
-        sizes_.insert(sizes_.begin(), std::make_unique<GlyphBitmaps>(face_.get(), pixelSize, antiAlias));
+        sizes_.insert(sizes_.begin(), std::make_unique<GlyphBitmaps>(face_.get(), pixelSize, antiAlias, synthesis_));
     }
     return *sizes_.front();
 }

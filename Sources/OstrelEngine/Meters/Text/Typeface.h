@@ -27,6 +27,9 @@ struct FaceFile {
     int index = 0;
     /// Read into memory rather than mapped: a skin's files may be rewritten in place while it runs.
     bool isSkinFont = false;
+    /// Made by the renderer where the family has no such face.
+    bool isEmboldened = false;
+    bool isSlanted = false;
 
     friend bool operator==(const FaceFile&, const FaceFile&) = default;
 };
@@ -43,6 +46,9 @@ public:
         /// Middle of the underline, below the baseline.
         double underlineOffset = 0;
         double underlineThickness = 0;
+        /// Middle of the line through the letters, above the baseline.
+        double strikeOffset = 0;
+        double strikeThickness = 0;
     };
 
     /// Null when the file is no font.
@@ -76,7 +82,7 @@ private:
     using Shaper = std::unique_ptr<hb_font_t, Release>;
     using Face = std::unique_ptr<FT_FaceRec_, Release>;
 
-    Typeface(std::shared_ptr<FT_LibraryRec_> library, Blob bytes, Face face, Shaper shaper);
+    Typeface(std::shared_ptr<FT_LibraryRec_> library, Blob bytes, Face face, Shaper shaper, const FaceFile& file);
     bool hasGlyph(char32_t c) const;
 
     /// Below this the coverage is known without asking the font.
@@ -87,6 +93,7 @@ private:
     Blob bytes_;
     Face face_;
     Shaper shaper_;
+    GlyphSynthesis synthesis_;
     Metrics metrics_;
     double unitsPerEm_ = 1000;
     std::bitset<CommonCharacters> commonCoverage_;
