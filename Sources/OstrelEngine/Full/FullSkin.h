@@ -65,7 +65,6 @@ public:
     WidgetRuntimeState snapshotState() const override { return {}; }
     void applyState(const WidgetRuntimeState&) override { }
     bool executeActionString(std::string_view action) override;
-    bool handleMouseEvent(MouseEventKind, Point, std::optional<std::string_view>) override { return false; }
     void submitInputText(std::string_view measureName, std::string_view value) override;
     void dismissInputText(std::string_view measureName) override;
 
@@ -162,6 +161,8 @@ private:
     bool hasWindowSize_ = false;
 
     std::vector<Drawable> drawables_;
+    /// What `drawables_` shows.
+    std::uint64_t drawnRevision_ = 0;
     std::unique_ptr<RepeatingTimer> timer_;
     int tickCount_ = 0;
     std::int64_t cycleCount_ = 0;

@@ -90,15 +90,17 @@ QLinearGradient backgroundGradient(const Look& look, const QRectF& box) {
 void drawBevel(QPainter& painter, const QRectF& box, const QColor& leftTop, const QColor& rightBottom) {
     if (box.width() < 1 || box.height() < 1)
         return;
-    painter.fillRect(QRectF(box.left(), box.top(), box.width(), 1), leftTop);
-    painter.fillRect(QRectF(box.left(), box.top() + 1, 1, box.height() - 1), leftTop);
-    painter.fillRect(QRectF(box.left() + 1, box.bottom() - 1, box.width() - 1, 1), rightBottom);
-    painter.fillRect(QRectF(box.right() - 1, box.top() + 1, 1, box.height() - 2), rightBottom);
+    fillExactly(painter, QRectF(box.left(), box.top(), box.width(), 1), leftTop);
+    fillExactly(painter, QRectF(box.left(), box.top() + 1, 1, box.height() - 1), leftTop);
+    fillExactly(painter, QRectF(box.left() + 1, box.bottom() - 1, box.width() - 1, 1), rightBottom);
+    fillExactly(painter, QRectF(box.right() - 1, box.top() + 1, 1, box.height() - 2), rightBottom);
 }
 
 } // namespace
 
 struct FullMeter::State {
+    /// With places for values.
+    ToolTip toolTip;
     std::optional<std::uint64_t> readRevision;
     Look look;
     /// Grows when the background looks different.
@@ -166,12 +168,17 @@ void FullMeter::update(MeasureValues values) {
             ++state_->lookRevision;
             contentDidChange();
         }
+        state_->toolTip = toolTip_ = ToolTip::parse(options());
         readOptions();
     }
     takeValues(values);
+    if (state_->toolTip.hasPlaces())
+        toolTip_ = state_->toolTip.filled(values.first(std::min(values.size(), toolTipPlaces())), toolTipNumbers());
     const auto& look = state_->look;
     Size content{look.width.value_or(0), look.height.value_or(0)};
-    if (!look.width || !look.height) {
+    if (ignoresWrittenSize()) {
+        content = contentSize(std::nullopt, std::nullopt);
+    } else if (!look.width || !look.height) {
         const Size own = contentSize(look.width, look.height);
         content = {look.width.value_or(own.width), look.height.value_or(own.height)};
     }
@@ -182,7 +189,7 @@ void FullMeter::update(MeasureValues values) {
 }
 
 void FullMeter::setContainer(std::weak_ptr<FullMeter> container) {
-    state_->container = std::move(container);
+    state_->container = container.lock().get() == this ? std::weak_ptr<FullMeter>() : std::move(container);
 }
 
 Rect FullMeter::contentRect() const {
@@ -198,6 +205,11 @@ std::optional<double> FullMeter::writtenWidth() const {
 
 std::optional<double> FullMeter::writtenHeight() const {
     return state_->look.height;
+}
+
+double FullMeter::matrixScale() const {
+    const auto& matrix = state_->look.matrix;
+    return matrix ? std::sqrt(std::abs(matrix->determinant())) : 1;
 }
 
 bool FullMeter::isSmooth(bool otherwise) const {
@@ -246,10 +258,13 @@ bool FullMeter::updateAppearance(MeasureValues) {
     if (std::exchange(state_->shownContainer, look) != look)
         change = State::Change::Everything;
     changedPart_.reset();
-    if (change == State::Change::Part) {
+    // Turned, an edge whose end has moved has other pixels all along.
+    const auto& matrix = state_->look.matrix;
+    const bool isTurned = matrix && matrix->type() > QTransform::TxScale;
+    if (change == State::Change::Part && !isTurned) {
         const Rect content = contentRect();
         changedPart_ = state_->changedPart.translated(content.x, content.y);
-        if (const auto& matrix = state_->look.matrix)
+        if (matrix)
             changedPart_ = toRect(matrix->mapRect(toQRectF(*changedPart_))).expanded(1);
         if (container)
             changedPart_ = cutTo(*changedPart_, container->frame().rect());
@@ -273,7 +288,7 @@ Rect FullMeter::paintRect(MeasureValues) {
 }
 
 void FullMeter::draw(QPainter& painter, MeasureValues) {
-    if (const auto container = state_->container.lock(); container && container.get() != this)
+    if (const auto container = state_->container.lock(); container)
         drawInContainer(painter, *container);
     else
         drawAlone(painter);
@@ -307,7 +322,7 @@ void FullMeter::drawBackground(QPainter& painter) {
         });
     } else if (look.solidColor.alpha() != 0) {
         painter.setRenderHint(QPainter::Antialiasing, isSmooth(false));
-        painter.fillRect(box, look.solidColor);
+        fillExactly(painter, box, look.solidColor);
     }
     if (look.isBevelled) {
         painter.setRenderHint(QPainter::Antialiasing, isSmooth(false));

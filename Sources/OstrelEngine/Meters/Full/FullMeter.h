@@ -1,6 +1,8 @@
 #pragma once
 
 #include "OstrelDialect/OptionValues.h"
+#include "OstrelEngine/Meters/Full/NumberFormat.h"
+#include "OstrelEngine/Meters/Full/ToolTip.h"
 #include "OstrelEngine/Meters/MeterProtocol.h"
 
 #include <cstdint>
@@ -30,8 +32,6 @@ public:
     FullMeter(const MeterDefinition& definition, Options options, const FullMeterContext& context);
     ~FullMeter() override;
 
-    /// Says what it costs to paint, and whether the meter has a text; nothing else is asked of it here.
-
     /// One update of the meter, timed or by bang: options, values, one sample for a graph. Values are in binding order
     /// and have a place for each number, empty where nothing is bound.
     void update(MeasureValues values);
@@ -57,6 +57,9 @@ public:
     virtual std::optional<double> secondsUntilNextFrame() const { return std::nullopt; }
     virtual void advance() { }
 
+    /// What to show while the pointer rests on the meter, as of the last update.
+    const ToolTip& toolTip() const { return toolTip_; }
+
     /// The meter whose picture cuts and fades this one; null for none. Held weakly. The container of a container is
     /// not looked at, so a ring of them is drawn as pairs.
     void setContainer(std::weak_ptr<FullMeter> container);
@@ -76,6 +79,8 @@ protected:
     /// The written size in one direction, not negative, whole pixels, without padding.
     std::optional<double> writtenWidth() const;
     std::optional<double> writtenHeight() const;
+    /// How much longer the transformation matrix makes a line, on average; 1 without one.
+    double matrixScale() const;
     /// The switch AntiAlias, else what the meter does without it.
     bool isSmooth(bool otherwise) const;
 
@@ -98,6 +103,8 @@ protected:
     virtual void takeValues(MeasureValues values) = 0;
     /// The content's own size for the directions that are not written; the others are given and come back as they are.
     virtual Size contentSize(std::optional<double> width, std::optional<double> height) const = 0;
+    /// True: W and H have no effect, the content's own size counts.
+    virtual bool ignoresWrittenSize() const { return false; }
     /// Draws into widget coordinates, at `contentRect`. Leaves clip, transformation, opacity and composition as they
     /// were; sets pen, brush and smoothing itself.
     virtual void drawContent(QPainter& painter) = 0;
@@ -108,6 +115,10 @@ protected:
     virtual bool drawsUnderAnyTransform() const { return false; }
     /// False: neither background nor content is drawn.
     virtual bool isDrawn() const { return true; }
+
+    /// How many of the bound values a tool tip may name, and how it shows their numbers.
+    virtual std::size_t toolTipPlaces() const { return 1; }
+    virtual NumberFormat toolTipNumbers() const { return {}; }
 
     void optionsDidChange() final { }
 
@@ -123,6 +134,7 @@ private:
     const FullMeterContext& context_;
     std::unique_ptr<State> state_;
     Size box_;
+    ToolTip toolTip_;
     std::optional<Rect> changedPart_;
 };
 
