@@ -9,6 +9,7 @@
 #include "OstrelEngine/Host/PreviewPicture.h"
 #include "OstrelEngine/Host/WidgetCanvasView.h"
 #include "OstrelEngine/Host/WidgetPanel.h"
+#include "OstrelEngine/Runtime/SkinAtWork.h"
 #include "OstrelEngine/Runtime/SkinRuntime.h"
 #include "OstrelPlatform/MainQueue.h"
 #include "OstrelPlatform/Platform.h"
@@ -56,6 +57,14 @@ std::optional<Point> WidgetController::windowOrigin() const {
     return window_ ? std::optional(window_->panel.origin()) : std::nullopt;
 }
 
+std::optional<Rect> WidgetController::windowFrame() const {
+    if (!window_)
+        return std::nullopt;
+    const Point origin = window_->panel.origin();
+    const QSize size = window_->panel.size();
+    return Rect{origin.x, origin.y, static_cast<double>(size.width()), static_cast<double>(size.height())};
+}
+
 std::optional<WidgetRuntimeState> WidgetController::snapshotRuntimeState() const {
     return runtime_ ? std::optional(runtime_->snapshotState()) : std::nullopt;
 }
@@ -73,6 +82,7 @@ std::optional<std::string> WidgetController::snapshotPreviewData(double maxDimen
 void WidgetController::start(std::optional<Point> origin, const std::optional<WidgetRuntimeState>& state) {
     if (runtime_)
         return;
+    const SkinAtWork work(config_.filePath.c_str());
     const auto runtime = SkinRuntime::create(config_, platform_);
     if (state)
         runtime->applyState(*state);
@@ -87,6 +97,8 @@ void WidgetController::start(std::optional<Point> origin, const std::optional<Wi
     connectRequests(*runtime);
     connectInput(runtime, window);
     window->panel.setTitle(titleOf(config_));
+    window->panel.setSkinPath(config_.filePath);
+    window->panel.setAppearance(platform_.appearance);
 
     runtime->start();
     window->panel.pinToDesktopLayer();
@@ -102,7 +114,7 @@ void WidgetController::start(std::optional<Point> origin, const std::optional<Wi
 /// A skin asks in the middle of its own work, and most of what it asks for is its end.
 void WidgetController::connectRequests(SkinRuntime& runtime) {
     runtime.onDeactivateRequest = [this] { post([this] { stop(); }); };
-    runtime.onRefreshRequest = [this] { post([this] { reload(); }); };
+    runtime.onRefreshRequest = [this] { post([this] { reloadIfRunning(); }); };
     runtime.onRefreshAppRequest = [this] { post([this] { refreshApp(); }); };
     runtime.onActivateConfigRequest = [this](const std::string& path, bool toggle) {
         post([this, path, toggle] {
@@ -156,7 +168,7 @@ void WidgetController::refreshApp() {
     if (onRefreshAppRequest)
         onRefreshAppRequest();
     else
-        reload();
+        reloadIfRunning();
 }
 
 void WidgetController::stop() {
@@ -164,6 +176,7 @@ void WidgetController::stop() {
 }
 
 void WidgetController::stop(NotifyManager notify) {
+    const SkinAtWork work(config_.filePath.c_str());
     if (runtime_)
         runtime_->stop();
     window_.reset();
@@ -173,6 +186,8 @@ void WidgetController::stop(NotifyManager notify) {
 }
 
 void WidgetController::reload() {
+    const auto path = config_.filePath;
+    const SkinAtWork work(path.c_str());
     const auto origin = windowOrigin();
     stop(NotifyManager::No);
     DiskFileProvider files;
@@ -180,6 +195,12 @@ void WidgetController::reload() {
     if (auto config = SkinLoader(files, diagnostics).load(config_.filePath))
         config_ = std::move(*config);
     start(origin);
+}
+
+/// What was asked for before a stop must not start the widget again, behind the back of those who were told.
+void WidgetController::reloadIfRunning() {
+    if (isRunning())
+        reload();
 }
 
 void WidgetController::toggleFreeze() {

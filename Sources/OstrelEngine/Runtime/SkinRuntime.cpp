@@ -10,6 +10,7 @@
 #include "OstrelEngine/Meters/MeterFactory.h"
 #include "OstrelEngine/Meters/Text/FontRegistry.h"
 #include "OstrelEngine/Runtime/OptionResolver.h"
+#include "OstrelEngine/Runtime/SkinAtWork.h"
 #include "OstrelPlatform/MainQueue.h"
 #include "OstrelPlatform/Platform.h"
 
@@ -148,7 +149,13 @@ void SkinRuntime::stop() {
     isStopping_ = false;
 }
 
+bool SkinRuntime::executeActionString(std::string_view action) {
+    const SkinAtWork work(config_.filePath.c_str());
+    return runner_.executeActionString(action);
+}
+
 void SkinRuntime::performUpdate() {
+    const SkinAtWork work(config_.filePath.c_str());
     ++tickCount_;
     for (std::size_t i = 0; i < measures_.count(); ++i) {
         if (!shouldUpdateMeasure(i))
@@ -196,12 +203,13 @@ bool SkinRuntime::isMeasureEnabledForActions(std::size_t position) {
 
 bool SkinRuntime::handleMouseEvent(MouseEventKind kind, Point point, std::optional<std::string_view> sourceMeterName) {
     const auto meter = sourceMeterName ? meters_.position(*sourceMeterName) : std::nullopt;
-    const auto rect = meter ? std::optional(meters_.at(*meter).frame().rect()) : std::nullopt;
     bool handled = false;
     for (const auto position : mouseMeasures_) {
         const auto action = option(measures_.at(position).options(), actionKey(kind));
         if (!isMeasureEnabledForActions(position) || !action || trimmed(*action).empty())
             continue;
+        // The action of an earlier measure may have moved the meter.
+        const auto rect = meter ? std::optional(meters_.at(*meter).frame().rect()) : std::nullopt;
         const auto text = MouseVariables::substitute(*action, point, rect, MouseVariables::Decimals::asNeeded);
         handled = executeActionString(text) || handled;
     }
@@ -209,11 +217,13 @@ bool SkinRuntime::handleMouseEvent(MouseEventKind kind, Point point, std::option
 }
 
 void SkinRuntime::submitInputText(std::string_view measureName, std::string_view value) {
+    const SkinAtWork work(config_.filePath.c_str());
     if (auto* input = dynamic_cast<InputTextMeasure*>(measure(measureName)))
         input->submitInput(value);
 }
 
 void SkinRuntime::dismissInputText(std::string_view measureName) {
+    const SkinAtWork work(config_.filePath.c_str());
     if (auto* input = dynamic_cast<InputTextMeasure*>(measure(measureName)))
         input->dismissInput();
 }

@@ -72,7 +72,7 @@ public:
     void applyState(const WidgetRuntimeState& state);
 
     /// Runs an action string; true when something was handled.
-    bool executeActionString(std::string_view action) { return runner_.executeActionString(action); }
+    bool executeActionString(std::string_view action);
     /// Runs the actions that measures have for the mouse. The source is the meter that the pointer belongs to, if any.
     /// True when one of them handled something.
     bool handleMouseEvent(MouseEventKind kind, Point point, std::optional<std::string_view> sourceMeterName);
