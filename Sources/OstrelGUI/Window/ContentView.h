@@ -56,6 +56,8 @@ public:
     /// What the user has chosen, in the panel, by a drop or in a file manager. What is no skin, package or folder is
     /// dropped.
     void openSelection(std::span<const std::string> paths);
+    /// The same for skins that are shown already.
+    void listSelection(std::span<const std::string> paths);
     void clearScans();
     void removeScans(std::span<const std::size_t> offsets);
 
@@ -83,7 +85,8 @@ private:
     void observe();
     void applyStyleSheet();
 
-    void didAdd(const std::vector<std::string>& selected, const std::vector<std::string>& expanded);
+    enum class ShowSkin { No, Yes };
+    void scan(std::span<const std::string> paths, ShowSkin showSkin);
     void scansDidChange(const ScannerViewModel::Change& change);
     void libraryDidChange();
     void showDetail();
