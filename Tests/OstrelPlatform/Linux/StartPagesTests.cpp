@@ -5,7 +5,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 using namespace Ostrel;
 
@@ -27,10 +29,11 @@ int written = 1;
 
 /// Whether this process has the page of that address in memory; asking does not bring it there.
 bool isPresent(const void* address) {
-    std::ifstream pages("/proc/self/pagemap", std::ios::binary);
-    pages.seekg(static_cast<std::streamoff>(reinterpret_cast<std::uintptr_t>(address) / PageSize * 8));
+    const int pages = open("/proc/self/pagemap", O_RDONLY | O_CLOEXEC);
     std::uint64_t entry = 0;
-    pages.read(reinterpret_cast<char*>(&entry), sizeof entry);
+    const auto at = reinterpret_cast<std::uintptr_t>(address) / PageSize * sizeof entry;
+    EXPECT_EQ(pread(pages, &entry, sizeof entry, static_cast<off_t>(at)), static_cast<ssize_t>(sizeof entry));
+    close(pages);
     return entry >> 63;
 }
 
