@@ -59,7 +59,7 @@ struct NowPlayingMeasureTests : testing::Test {
 TEST_F(NowPlayingMeasureTests, showsTheTrackToTheActionOfItsChange) {
     auto& title = add("Title", {{"PlayerName", "Spotify"}, {"PlayerType", "Title"}, {"TrackChangeAction", "go"}});
     std::string seen;
-    title.onTrackChangeAction = [&](std::string_view) {
+    table->onAction = [&](std::string_view) {
         title.update();
         seen += title.value().stringValue + " ";
     };

@@ -58,8 +58,7 @@ TEST(ScriptMeasure, factoryNeedsNumberAndName) {
 TEST(ScriptMeasure, factorySeesTheOptionsThatItSetsItself) {
     Script script({{"ScriptFile", "factory.lua"}, {"Number", "2"}, {"SectionName", "M%%"}, {"Option0", "X"},
         {"Value0", "a"}, {"Option1", "Y"}, {"Value1", "b"}});
-    script.measure.onAction = [&](std::string_view action) {
-        script.log.emplace_back(action);
+    script.host.onAction = [&](std::string_view action) {
         script.measure.setOption("Value1", action.find("M0") != action.npos ? "later" : "last");
     };
     EXPECT_THAT(script.afterCommand("Initialize"),
