@@ -101,18 +101,14 @@ struct PerlRegularExpression::Compiled {
         std::uint32_t options = 0;
         while (from <= subject.size()) {
             const auto groups = match(subject, from, options);
-            if (!groups && options == 0)
+            if (!groups)
                 return;
-            if (!groups) {
-                // Nothing but the empty match begins here.
-                from += from < subject.size() ? decodeCharacter(subject, from).length : 1;
-                options = 0;
-                continue;
-            }
             if (!take(*groups))
                 return;
             const auto found = *(*groups)[0];
-            options = found.begin == found.end ? PCRE2_NOTEMPTY_ATSTART | PCRE2_ANCHORED : 0;
+            // An anchor as well would keep the pattern from its compiled code, and the library would check the whole
+            // rest of the text again for each match.
+            options = found.begin == found.end ? PCRE2_NOTEMPTY_ATSTART : 0;
             from = found.end;
         }
     }

@@ -43,8 +43,8 @@ struct FullMeasureEntry {
 
     /// The options were read at this revision; absent before the first time.
     std::optional<std::uint64_t> optionsRevision;
-    std::string disabledText;
-    std::string pausedText;
+    std::optional<std::string> disabledText;
+    std::optional<std::string> pausedText;
 };
 
 /// The measures of a skin in file order, which is the order of their updates. Filled once; positions stay.

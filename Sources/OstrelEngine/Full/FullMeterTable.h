@@ -31,7 +31,7 @@ struct FullMeterEntry {
 
     /// The options were read at this revision; absent before the first time.
     std::optional<std::uint64_t> optionsRevision;
-    std::string hiddenText;
+    std::optional<std::string> hiddenText;
 };
 
 /// The meters of a skin in file order, which is the order of updates, layout and drawing. Filled once; positions stay.

@@ -70,7 +70,7 @@ FullSkin::FullSkin(PackSkin skin, const Platform& platform, FullSkinHost& host, 
     , layout_(meters_)
     , scope_(variables_, measures_, layout_, skin_.folders)
     , actions_(*this, scope_)
-    , meterContext_{skin_.folders, platform}
+    , meterContext_{skin_.folders, platform_}
     , cycleCount_(cycles) {
     scriptHost_ = std::make_unique<FullScriptHost>(FullSkinParts{
         *this, host_, sections_, variables_, measures_, measureNames_, meters_, layout_, scope_, actions_});

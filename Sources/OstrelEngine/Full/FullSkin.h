@@ -13,6 +13,7 @@
 #include "OstrelEngine/Full/SkinVariables.h"
 #include "OstrelEngine/Measures/Full/FullMeasure.h"
 #include "OstrelEngine/Runtime/Skin.h"
+#include "OstrelPlatform/Platform.h"
 
 #include <cstdint>
 #include <memory>
@@ -30,7 +31,8 @@ class RepeatingTimer;
 /// actions do to it.
 class FullSkin final : public Skin, public FullMeasureHost, public ActionHost, private MeasureActionHost {
 public:
-    /// Builds measures and meters; nothing has been updated yet. Platform and host outlive the skin. `cycles` is what
+    /// Builds measures and meters; nothing has been updated yet. What the platform refers to and the host outlive the
+    /// skin. `cycles` is what
     /// the counter stood at before a refresh.
     static std::shared_ptr<FullSkin> create(
         PackSkin skin, const Platform& platform, FullSkinHost& host, std::int64_t cycles = 0);
@@ -134,7 +136,7 @@ private:
     void logMeasure(const BaseMeasure& measure, std::string_view text) override;
 
     PackSkin skin_;
-    const Platform& platform_;
+    const Platform platform_;
     FullSkinHost& host_;
     SkinLog log_;
     mutable std::optional<SkinConfig> config_;

@@ -57,9 +57,21 @@ void FullSkin::setOption(const SectionChoice& sections, std::string_view key, st
         auto& entry = measures_.entry(position);
         sections_.at(entry.section).setOption(key, value);
         entry.actions.optionWasSet(key);
+        // Though the text may be what it was, the option speaks last.
+        if (equalsIgnoringCase(key, "Disabled"))
+            entry.disabledText.reset();
+        else if (equalsIgnoringCase(key, "Paused"))
+            entry.pausedText.reset();
+        entry.optionsRevision.reset();
     }
-    for (const auto position : chosenMeters(sections))
-        sections_.at(meters_.entry(position).section).setOption(key, value);
+    for (const auto position : chosenMeters(sections)) {
+        auto& entry = meters_.entry(position);
+        sections_.at(entry.section).setOption(key, value);
+        if (equalsIgnoringCase(key, "Hidden")) {
+            entry.hiddenText.reset();
+            entry.optionsRevision.reset();
+        }
+    }
 }
 
 void FullSkin::switchMeters(const SectionChoice& meters, Switch shown) {

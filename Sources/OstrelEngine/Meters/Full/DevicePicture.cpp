@@ -1,5 +1,7 @@
 #include "OstrelEngine/Meters/Full/DevicePicture.h"
 
+#include <QPainterPath>
+
 namespace Ostrel {
 
 namespace {
@@ -17,42 +19,65 @@ DevicePixels::DevicePixels(QPainter& painter)
     painter.setWorldTransform(painter.deviceTransform().inverted());
 }
 
-void DevicePicture::drop() {
+void KeptImage::setSize(const QSize& size) {
+    if (image_.size() == size)
+        return;
+    drop();
+    if (size.isEmpty())
+        return;
+    image_ = QImage(size, QImage::Format_ARGB32_Premultiplied);
+    bytesKept += image_.sizeInBytes();
+}
+
+void KeptImage::drop() {
     bytesKept -= image_.sizeInBytes();
     image_ = QImage();
+}
+
+bool KeptImage::areTooMany() {
+    return bytesKept > MostBytesKept;
 }
 
 bool DevicePicture::isCurrent(const QPainter& painter, const QRectF& area, std::uint64_t revision) {
     Key wanted{area, {}, painter.deviceTransform(), revision};
     const QRect device(0, 0, painter.device()->width(), painter.device()->height());
     wanted.pixels = (wanted.toDevice.mapRect(area) & QRectF(device)).toAlignedRect() & device;
-    if (!image_.isNull() && wanted == key_)
+    if (!kept_.image().isNull() && wanted == key_)
         return true;
     key_ = wanted;
     return false;
 }
 
 bool DevicePicture::begin() {
-    if (image_.size() != key_.pixels.size()) {
-        drop();
-        if (key_.pixels.isEmpty())
-            return false;
-        image_ = QImage(key_.pixels.size(), QImage::Format_ARGB32_Premultiplied);
-        bytesKept += image_.sizeInBytes();
-    }
-    image_.fill(Qt::transparent);
-    return !image_.isNull();
+    kept_.setSize(key_.pixels.size());
+    if (kept_.image().isNull())
+        return false;
+    kept_.image().fill(Qt::transparent);
+    return true;
 }
 
 void DevicePicture::copyTo(QPainter& painter) {
-    if (image_.isNull())
+    if (kept_.image().isNull())
         return;
     {
         const DevicePixels pixels(painter);
-        painter.drawImage(key_.pixels.topLeft(), image_);
+        painter.drawImage(key_.pixels.topLeft(), kept_.image());
     }
-    if (bytesKept > MostBytesKept)
-        drop();
+    if (KeptImage::areTooMany())
+        kept_.drop();
+}
+
+void fillExactly(QPainter& painter, const QRectF& rect, const QBrush& brush) {
+    if (painter.deviceTransform().type() <= QTransform::TxScale) {
+        painter.fillRect(rect, brush);
+        return;
+    }
+    QPainterPath path(rect.topLeft());
+    path.lineTo(rect.topRight());
+    path.lineTo(rect.bottomRight());
+    path.lineTo(rect.bottomLeft());
+    path.closeSubpath();
+    painter.fillPath(path, brush);
 }
 
 } // namespace Ostrel

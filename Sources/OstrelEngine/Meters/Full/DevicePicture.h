@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QBrush>
 #include <QImage>
 #include <QPainter>
 #include <QRect>
@@ -10,28 +11,40 @@
 
 namespace Ostrel {
 
+/// An image of device pixels that is kept between two paints. All of them together hold at most about 256 MB: its owner
+/// drops the image after use when they hold more. Main thread.
+class KeptImage {
+public:
+    KeptImage() = default;
+    ~KeptImage() { drop(); }
+    KeptImage(const KeptImage&) = delete;
+    KeptImage& operator=(const KeptImage&) = delete;
+
+    QImage& image() { return image_; }
+    /// The content is undefined afterwards. Null for an empty size and without memory.
+    void setSize(const QSize& size);
+    void drop();
+    static bool areTooMany();
+
+private:
+    QImage image_;
+};
+
 /// A piece of drawing in device pixels: painted once, then copied. What a copy shows does not depend on the painter's
-/// clip, which gradients and turned pictures do. All of them together keep at most 256 MB; what does not fit is painted
-/// at each draw. Main thread.
+/// clip, unlike gradients and turned pictures that are drawn directly. Main thread.
 class DevicePicture {
 public:
-    DevicePicture() = default;
-    ~DevicePicture() { drop(); }
-    DevicePicture(const DevicePicture&) = delete;
-    DevicePicture& operator=(const DevicePicture&) = delete;
-
     /// Copies what `paint(QPainter&)` draws within `area`, which is in units of the painter and cut to its device.
     /// `paint` is called only when the area, its place on the device or `revision` differ from the last call.
     template <typename Paint>
     void draw(QPainter& painter, const QRectF& area, std::uint64_t revision, const Paint& paint) {
         if (!isCurrent(painter, area, revision) && begin()) {
-            QPainter inner(&image_);
+            QPainter inner(&kept_.image());
             inner.setTransform(key_.toDevice * QTransform::fromTranslate(-key_.pixels.x(), -key_.pixels.y()));
             paint(inner);
         }
         copyTo(painter);
     }
-    void drop();
 
 private:
     struct Key {
@@ -49,7 +62,7 @@ private:
     bool begin();
     void copyTo(QPainter& painter);
 
-    QImage image_;
+    KeptImage kept_;
     Key key_;
 };
 
@@ -65,5 +78,9 @@ private:
     QPainter& painter_;
     QTransform before_;
 };
+
+/// Fills a rectangle to the same pixels whatever the painter's clip is; the painter's own way does not where its
+/// transformation turns.
+void fillExactly(QPainter& painter, const QRectF& rect, const QBrush& brush);
 
 } // namespace Ostrel

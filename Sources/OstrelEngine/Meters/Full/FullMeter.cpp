@@ -90,10 +90,10 @@ QLinearGradient backgroundGradient(const Look& look, const QRectF& box) {
 void drawBevel(QPainter& painter, const QRectF& box, const QColor& leftTop, const QColor& rightBottom) {
     if (box.width() < 1 || box.height() < 1)
         return;
-    painter.fillRect(QRectF(box.left(), box.top(), box.width(), 1), leftTop);
-    painter.fillRect(QRectF(box.left(), box.top() + 1, 1, box.height() - 1), leftTop);
-    painter.fillRect(QRectF(box.left() + 1, box.bottom() - 1, box.width() - 1, 1), rightBottom);
-    painter.fillRect(QRectF(box.right() - 1, box.top() + 1, 1, box.height() - 2), rightBottom);
+    fillExactly(painter, QRectF(box.left(), box.top(), box.width(), 1), leftTop);
+    fillExactly(painter, QRectF(box.left(), box.top() + 1, 1, box.height() - 1), leftTop);
+    fillExactly(painter, QRectF(box.left() + 1, box.bottom() - 1, box.width() - 1, 1), rightBottom);
+    fillExactly(painter, QRectF(box.right() - 1, box.top() + 1, 1, box.height() - 2), rightBottom);
 }
 
 } // namespace
@@ -182,7 +182,7 @@ void FullMeter::update(MeasureValues values) {
 }
 
 void FullMeter::setContainer(std::weak_ptr<FullMeter> container) {
-    state_->container = std::move(container);
+    state_->container = container.lock().get() == this ? std::weak_ptr<FullMeter>() : std::move(container);
 }
 
 Rect FullMeter::contentRect() const {
@@ -198,6 +198,11 @@ std::optional<double> FullMeter::writtenWidth() const {
 
 std::optional<double> FullMeter::writtenHeight() const {
     return state_->look.height;
+}
+
+double FullMeter::matrixScale() const {
+    const auto& matrix = state_->look.matrix;
+    return matrix ? std::sqrt(std::abs(matrix->determinant())) : 1;
 }
 
 bool FullMeter::isSmooth(bool otherwise) const {
@@ -246,10 +251,13 @@ bool FullMeter::updateAppearance(MeasureValues) {
     if (std::exchange(state_->shownContainer, look) != look)
         change = State::Change::Everything;
     changedPart_.reset();
-    if (change == State::Change::Part) {
+    // Turned, an edge whose end has moved has other pixels all along.
+    const auto& matrix = state_->look.matrix;
+    const bool isTurned = matrix && matrix->type() > QTransform::TxScale;
+    if (change == State::Change::Part && !isTurned) {
         const Rect content = contentRect();
         changedPart_ = state_->changedPart.translated(content.x, content.y);
-        if (const auto& matrix = state_->look.matrix)
+        if (matrix)
             changedPart_ = toRect(matrix->mapRect(toQRectF(*changedPart_))).expanded(1);
         if (container)
             changedPart_ = cutTo(*changedPart_, container->frame().rect());
@@ -273,7 +281,7 @@ Rect FullMeter::paintRect(MeasureValues) {
 }
 
 void FullMeter::draw(QPainter& painter, MeasureValues) {
-    if (const auto container = state_->container.lock(); container && container.get() != this)
+    if (const auto container = state_->container.lock(); container)
         drawInContainer(painter, *container);
     else
         drawAlone(painter);
@@ -307,7 +315,7 @@ void FullMeter::drawBackground(QPainter& painter) {
         });
     } else if (look.solidColor.alpha() != 0) {
         painter.setRenderHint(QPainter::Antialiasing, isSmooth(false));
-        painter.fillRect(box, look.solidColor);
+        fillExactly(painter, box, look.solidColor);
     }
     if (look.isBevelled) {
         painter.setRenderHint(QPainter::Antialiasing, isSmooth(false));

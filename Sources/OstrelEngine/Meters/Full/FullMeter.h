@@ -30,8 +30,6 @@ public:
     FullMeter(const MeterDefinition& definition, Options options, const FullMeterContext& context);
     ~FullMeter() override;
 
-    /// Says what it costs to paint, and whether the meter has a text; nothing else is asked of it here.
-
     /// One update of the meter, timed or by bang: options, values, one sample for a graph. Values are in binding order
     /// and have a place for each number, empty where nothing is bound.
     void update(MeasureValues values);
@@ -76,6 +74,8 @@ protected:
     /// The written size in one direction, not negative, whole pixels, without padding.
     std::optional<double> writtenWidth() const;
     std::optional<double> writtenHeight() const;
+    /// How much longer the transformation matrix makes a line, on average; 1 without one.
+    double matrixScale() const;
     /// The switch AntiAlias, else what the meter does without it.
     bool isSmooth(bool otherwise) const;
 

@@ -1,11 +1,16 @@
 #include "OstrelEngine/Meters/Full/FullMeterFactory.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Meters/Full/FullBarMeter.h"
 #include "OstrelEngine/Meters/Full/FullBitmapMeter.h"
 #include "OstrelEngine/Meters/Full/FullButtonMeter.h"
 #include "OstrelEngine/Meters/Full/FullImageMeter.h"
 #include "OstrelEngine/Meters/Full/FullRotatorMeter.h"
+#include "OstrelEngine/Meters/Full/FullShapeMeter.h"
 #include "OstrelEngine/Meters/Full/FullStringMeter.h"
+#include "OstrelEngine/Meters/Full/HistogramMeter.h"
+#include "OstrelEngine/Meters/Full/LineMeter.h"
+#include "OstrelEngine/Meters/Full/RoundlineMeter.h"
 
 #include <string_view>
 #include <utility>
@@ -37,11 +42,16 @@ struct Row {
 };
 
 constexpr Row Rows[] = {
-    {"String", make<FullStringMeter>},
-    {"Image", make<FullImageMeter>},
+    {"Bar", make<FullBarMeter>},
     {"Bitmap", make<FullBitmapMeter>},
     {"Button", make<FullButtonMeter>},
+    {"Histogram", make<HistogramMeter>},
+    {"Image", make<FullImageMeter>},
+    {"Line", make<LineMeter>},
     {"Rotator", make<FullRotatorMeter>},
+    {"Roundline", make<RoundlineMeter>},
+    {"Shape", make<FullShapeMeter>},
+    {"String", make<FullStringMeter>},
 };
 
 } // namespace

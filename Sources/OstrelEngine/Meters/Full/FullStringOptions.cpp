@@ -16,11 +16,12 @@ constexpr double DefaultPoints = 10;
 constexpr std::string_view DefaultFamily = "Arial";
 
 std::string_view textOf(const Options& options, const CaseKey& key) {
-    return OptionValues::unquoted(trimmed(option(options, key).value_or("")));
+    return trimmed(OptionValues::unquoted(option(options, key).value_or("")));
 }
 
-std::string brokenText(std::string_view text) {
-    return replacingOccurrences(text, "#CRLF#", "\n");
+/// Blanks at its ends, which only quotes can have kept, stay.
+std::string brokenText(const Options& options, const CaseKey& key) {
+    return replacingOccurrences(OptionValues::unquoted(option(options, key).value_or("")), "#CRLF#", "\n");
 }
 
 Color colorOf(const Options& options, const CaseKey& key) {
@@ -84,11 +85,11 @@ std::optional<double> limitOf(const Options& options, const CaseKey& key) {
 FullStringOptions FullStringOptions::parse(const Options& options, const FullStringOptions& previous) {
     FullStringOptions result;
     result.keepsBlanks = OptionValues::isOn(textOf(options, "TrailingSpaces"_key)).value_or(false);
-    const auto text = textOf(options, "Text"_key);
+    const auto text = brokenText(options, "Text"_key);
     if (!text.empty())
-        result.text = brokenText(result.keepsBlanks ? text : trimmedWhitespace(text));
-    result.prefix = brokenText(textOf(options, "Prefix"_key));
-    result.postfix = brokenText(textOf(options, "Postfix"_key));
+        result.text = result.keepsBlanks ? text : std::string(trimmedWhitespace(text));
+    result.prefix = brokenText(options, "Prefix"_key);
+    result.postfix = brokenText(options, "Postfix"_key);
     result.numbers = NumberFormat::parse(options);
     result.stringCase = textOf(options, "StringCase"_key);
     result.style.family = familyOf(options);

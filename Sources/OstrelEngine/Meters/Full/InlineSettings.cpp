@@ -249,6 +249,8 @@ StyledText InlineSettings::styled(std::string_view text, const TextStyle& base) 
     std::vector<std::uint32_t> styleOf(settings_.empty() ? 0 : result.text.size(), 0);
     std::uint32_t gradientSpan = 0;
     for (const auto& setting : settings_) {
+        if (result.styles.size() >= MostStyles)
+            break;
         if (std::holds_alternative<CaseChange>(setting.change))
             continue;
         const bool isGradient = std::holds_alternative<std::shared_ptr<const TextGradient>>(setting.change);
