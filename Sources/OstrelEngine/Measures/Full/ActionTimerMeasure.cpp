@@ -169,8 +169,8 @@ void ActionTimerMeasure::advance(int number, const std::shared_ptr<List>& list) 
 
 void ActionTimerMeasure::wakeAt(double uptime, int number, const std::shared_ptr<List>& list) {
     const auto& platform = host().platform();
-    platform.mainQueue.postAfter(std::max(uptime - platform.clock.uptimeSeconds(), 0.0),
-        [this, number, weak = std::weak_ptr<List>(list)] {
+    platform.mainQueue.postAfter(
+        std::max(uptime - platform.clock.uptimeSeconds(), 0.0), [this, number, weak = std::weak_ptr<List>(list)] {
             // The lists end with the measure.
             const auto waiting = weak.lock();
             if (waiting)

@@ -10,8 +10,8 @@
 
 namespace Ostrel {
 
-/// Runs lists of actions with waits between them, off the skin's cycle: `ActionList1=Show | Wait 500 | Repeat Blink, 50,
-/// 10`, where the other words name options that hold actions. Commands: `Execute n`, `Stop n`.
+/// Runs lists of actions with waits between them, off the skin's cycle: `ActionList1=Show | Wait 500 | Repeat Blink,
+/// 50, 10`, where the other words name options that hold actions. Commands: `Execute n`, `Stop n`.
 class ActionTimerMeasure final : public FullMeasure {
 public:
     ActionTimerMeasure(const MeasureDefinition& definition, FullMeasureHost& host);

@@ -1,6 +1,7 @@
 #include "OstrelEngine/Measures/Full/FullMeasureFactory.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/Full/ActionTimerMeasure.h"
 #include "OstrelEngine/Measures/Full/FullAudioLevelMeasure.h"
 #include "OstrelEngine/Measures/Full/FullCalcMeasure.h"
 #include "OstrelEngine/Measures/Full/FullInputTextMeasure.h"
@@ -8,11 +9,13 @@
 #include "OstrelEngine/Measures/Full/FullMemoryMeasure.h"
 #include "OstrelEngine/Measures/Full/FullNowPlayingMeasure.h"
 #include "OstrelEngine/Measures/Full/FullProcessorMeasure.h"
+#include "OstrelEngine/Measures/Full/FullRunCommandMeasure.h"
 #include "OstrelEngine/Measures/Full/FullScriptMeasure.h"
 #include "OstrelEngine/Measures/Full/FullStringMeasure.h"
 #include "OstrelEngine/Measures/Full/FullTimeMeasure.h"
 #include "OstrelEngine/Measures/Full/FullUptimeMeasure.h"
 #include "OstrelEngine/Measures/Full/FullValueShaping.h"
+#include "OstrelEngine/Measures/Full/WebParserMeasure.h"
 
 #include <algorithm>
 #include <optional>
@@ -47,6 +50,7 @@ struct Row {
 };
 
 constexpr Row Rows[] = {
+    {"ACTIONTIMER", Spelling::Plugin, make<ActionTimerMeasure>, General},
     {"AUDIOLEVEL", Spelling::Plugin, make<FullAudioLevelMeasure>, General},
     {"CALC", Spelling::Type, make<FullCalcMeasure>, General},
     {"CPU", Spelling::Type, make<FullProcessorMeasure>, General},
@@ -57,12 +61,14 @@ constexpr Row Rows[] = {
     {"MEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
     {"NOWPLAYING", Spelling::Both, make<FullNowPlayingMeasure>, General},
     {"PHYSICALMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"RUNCOMMAND", Spelling::Plugin, make<FullRunCommandMeasure>, General},
     {"SCRIPT", Spelling::Type, make<FullScriptMeasure>, General},
     {"STRING", Spelling::Type, make<FullStringMeasure>, NotInverted},
     {"SWAPMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
     {"TIME", Spelling::Type, make<FullTimeMeasure>, General},
     {"UPTIME", Spelling::Type, make<FullUptimeMeasure>, General},
     {"WEBNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
+    {"WEBPARSER", Spelling::Both, make<WebParserMeasure>, General},
     {"WINDOWSNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
 };
 

@@ -24,19 +24,31 @@ constexpr char32_t LastCharacter = 0x10FFFF;
 /// What the converters call a code page; empty for UTF-8 and what is told by the text itself.
 std::string converterName(int codePage) {
     switch (codePage) {
-    case 1200: return "UTF-16LE";
-    case 1201: return "UTF-16BE";
-    case 12000: return "UTF-32LE";
-    case 12001: return "UTF-32BE";
-    case 932: return "ibm-943_P15A-2003";
-    case 20127: return "US-ASCII";
-    case 20866: return "KOI8-R";
-    case 21866: return "KOI8-U";
+    case 1200:
+        return "UTF-16LE";
+    case 1201:
+        return "UTF-16BE";
+    case 12000:
+        return "UTF-32LE";
+    case 12001:
+        return "UTF-32BE";
+    case 932:
+        return "ibm-943_P15A-2003";
+    case 20127:
+        return "US-ASCII";
+    case 20866:
+        return "KOI8-R";
+    case 21866:
+        return "KOI8-U";
     case 20932:
-    case 51932: return "EUC-JP";
-    case 51949: return "EUC-KR";
-    case 54936: return "GB18030";
-    default: break;
+    case 51932:
+        return "EUC-JP";
+    case 51949:
+        return "EUC-KR";
+    case 54936:
+        return "GB18030";
+    default:
+        break;
     }
     if (codePage >= 28591 && codePage <= 28606)
         return "ISO-8859-" + formatInteger(codePage - 28590);
@@ -56,7 +68,8 @@ std::optional<char32_t> digits(std::string_view text, int base) {
         const int digit = isASCIIDigit(c) ? c - '0' : upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : base;
         if (digit >= base)
             return std::nullopt;
-        value = std::min<char32_t>(value * static_cast<char32_t>(base) + static_cast<char32_t>(digit), LastCharacter + 1);
+        value
+            = std::min<char32_t>(value * static_cast<char32_t>(base) + static_cast<char32_t>(digit), LastCharacter + 1);
     }
     return text.empty() ? std::nullopt : std::optional(value);
 }

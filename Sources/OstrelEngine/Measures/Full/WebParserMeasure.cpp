@@ -15,6 +15,7 @@
 #include "OstrelPlatform/ThreadSerialQueue.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
@@ -237,11 +238,14 @@ void WebParserMeasure::fetchPage(std::string url, int redirects, bool mayReachLo
     const bool isDownload = isOn("Download"_key, false);
     if (isDownload)
         asked.maxBytes = MaxDownload;
-    fetch_ = web->fetch(std::move(asked), [this, url, redirects, mayReachLocal](WebAnswer answer) {
-        // The fetch is over, and its end may begin another one.
-        const auto ended = std::move(fetch_);
-        takeAnswer(url, std::move(answer), redirects, mayReachLocal);
-    });
+    fetch_ = web->fetch(
+        std::move(asked), [this, url, redirects, mayReachLocal, life = std::weak_ptr<int>(life_)](WebAnswer answer) {
+            if (life.expired())
+                return;
+            // The fetch is over, and its end may begin another one.
+            const auto ended = std::move(fetch_);
+            takeAnswer(url, std::move(answer), redirects, mayReachLocal);
+        });
 }
 
 void WebParserMeasure::takeAnswer(const std::string& url, WebAnswer answer, int redirects, bool mayReachLocal) {
@@ -450,7 +454,8 @@ std::string WebParserMeasure::downloadFile(std::string_view url) {
         const auto folder = fs::path(folders.skinFolder) / "DownloadFile";
         const auto relative = fs::path(written).lexically_normal();
         // A drive letter makes a path absolute, too.
-        const bool isOutside = relative.is_absolute() || *relative.begin() == ".." || written.find(':') != std::string::npos;
+        const bool isOutside
+            = relative.is_absolute() || *relative.begin() == ".." || written.find(':') != std::string::npos;
         if (isOutside || relative.filename().empty())
             return {};
         const auto file = folder / relative;
@@ -460,7 +465,10 @@ std::string WebParserMeasure::downloadFile(std::string_view url) {
     const auto folder = fs::path(folders.settings) / "Downloads";
     fs::create_directories(folder, failed);
     auto last = lastPathComponent(url.substr(0, url.find_first_of("?#")));
-    std::ranges::replace_if(last, [](char c) { return !isASCIIDigit(c) && c != '.' && c != '-' && !std::isalpha(static_cast<unsigned char>(c)); }, '_');
+    std::ranges::replace_if(
+        last,
+        [](char c) { return !isASCIIDigit(c) && c != '.' && c != '-' && !std::isalpha(static_cast<unsigned char>(c)); },
+        '_');
     constexpr std::size_t Longest = 80;
     // The same name for the same URL and measure, another one for every other.
     const auto key = std::hash<std::string>()(std::string(url) + "\n" + name() + "\n" + folders.skinFile);

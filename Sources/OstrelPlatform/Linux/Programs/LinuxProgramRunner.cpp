@@ -32,8 +32,8 @@ constexpr int LastOutput = 1000;
 
 /// What programs need to find their files, their language and the desktop.
 bool isHandedOn(std::string_view variable) {
-    static constexpr std::array Names = {"PATH", "HOME", "USER", "LOGNAME", "LANG", "LANGUAGE", "TZ", "TMPDIR", "DISPLAY",
-        "WAYLAND_DISPLAY", "XAUTHORITY", "DBUS_SESSION_BUS_ADDRESS"};
+    static constexpr std::array Names = {"PATH", "HOME", "USER", "LOGNAME", "LANG", "LANGUAGE", "TZ", "TMPDIR",
+        "DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY", "DBUS_SESSION_BUS_ADDRESS"};
     const auto name = variable.substr(0, variable.find('='));
     if (name.starts_with("LC_") || name.starts_with("XDG_"))
         return true;

@@ -174,9 +174,8 @@ private:
         const auto& request = transfer.request;
         const auto now = Clock::now();
         if (lastStarts_.size() >= MaxRemembered)
-            std::erase_if(lastStarts_, [&](const auto& entry) {
-                return entry.second + milliseconds(limits_.pauseSeconds) < now;
-            });
+            std::erase_if(lastStarts_,
+                [&](const auto& entry) { return entry.second + milliseconds(limits_.pauseSeconds) < now; });
         lastStarts_[request.url] = now;
 
         transfer.mayReachLocal = request.mayReachLocal || hasProxy(request);
@@ -194,8 +193,7 @@ private:
         curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(limits_.totalSeconds * 1000));
         curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, "");
         curl_easy_setopt(easy, CURLOPT_URL, request.url.c_str());
-        curl_easy_setopt(
-            easy, CURLOPT_USERAGENT, request.userAgent.empty() ? OwnUserAgent : request.userAgent.c_str());
+        curl_easy_setopt(easy, CURLOPT_USERAGENT, request.userAgent.empty() ? OwnUserAgent : request.userAgent.c_str());
         if (request.proxy == "none")
             curl_easy_setopt(easy, CURLOPT_PROXY, "");
         else if (!request.proxy.empty())

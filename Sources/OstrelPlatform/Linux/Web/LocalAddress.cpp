@@ -19,9 +19,9 @@ struct Net {
     int bits;
 };
 
-constexpr std::array<Net, 11> LocalNets = {{{0x00000000, 8}, {0x0A000000, 8}, {0x64400000, 10}, {0x7F000000, 8},
-    {0xA9FE0000, 16}, {0xAC100000, 12}, {0xC0000000, 24}, {0xC0A80000, 16}, {0xC6120000, 15}, {0xE0000000, 4},
-    {0xF0000000, 4}}};
+constexpr std::array<Net, 11> LocalNets
+    = {{{0x00000000, 8}, {0x0A000000, 8}, {0x64400000, 10}, {0x7F000000, 8}, {0xA9FE0000, 16}, {0xAC100000, 12},
+        {0xC0000000, 24}, {0xC0A80000, 16}, {0xC6120000, 15}, {0xE0000000, 4}, {0xF0000000, 4}}};
 
 bool isLocal(std::uint32_t address) {
     return std::ranges::any_of(
