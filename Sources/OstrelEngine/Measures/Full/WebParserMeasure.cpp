@@ -148,8 +148,15 @@ void WebParserMeasure::update() {
 }
 
 bool WebParserMeasure::executeCommand(std::string_view command) {
-    if (auto* parent = link().parent; parent && parent != this)
-        return parent->executeCommand(command);
+    // Parents answer commands. Measures that name each other in a ring have none.
+    constexpr int MaxDepth = 32;
+    auto* root = this;
+    for (int depth = 0; auto* parent = root->link().parent; root = parent) {
+        if (++depth > MaxDepth)
+            return true;
+    }
+    if (root != this)
+        return root->executeCommand(command);
     command = trimmed(command);
     if (equalsIgnoringCase(command, "Update")) {
         updates_ = 0;

@@ -193,6 +193,8 @@ LinuxProgramRunner::~LinuxProgramRunner() {
         run->thread.join();
         if (!run->isReleased && !run->hasEnded)
             waitpid(run->process, nullptr, 0);
+        // Its number may be another's from now on.
+        run->hasEnded = true;
     }
 }
 
