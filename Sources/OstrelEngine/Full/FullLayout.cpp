@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <tuple>
+#include <utility>
 
 namespace Ostrel {
 
@@ -60,11 +62,25 @@ void FullLayout::readOptions(std::size_t position) {
 
 void FullLayout::meterDidChange(std::size_t position) {
     readOptions(position);
-    validEnd_ = hasContainers_ || !areContainersCurrent_ ? 0 : std::min(validEnd_, position);
+    const bool isHidden = meters_.entry(position).isHidden;
+    if (std::exchange(places_[position].isHidden, isHidden) != isHidden)
+        ++shownRevision_;
+    if (hasContainers_ || !areContainersCurrent_) {
+        validEnd_ = 0;
+    } else if (position < validEnd_) {
+        // Most changes move nothing, so that the meters behind can stay.
+        auto& place = places_[position];
+        const auto before = std::tuple(place.anchorX, place.anchorY, place.frame);
+        this->place(position);
+        if (before != std::tuple(place.anchorX, place.anchorY, place.frame))
+            validEnd_ = position + 1;
+    }
 }
 
 void FullLayout::findContainers() {
     areContainersCurrent_ = true;
+    isChanged_ = true;
+    ++shownRevision_;
     hasContainers_ = false;
     validEnd_ = 0;
     for (auto& place : places_) {
@@ -129,11 +145,12 @@ void FullLayout::place(std::size_t position) {
 
     const Size box = meter.boxSize();
     const Point offset = meter.anchorOffset(box);
-    const bool isHidden = meters_.entry(position).isHidden;
+    const bool isHidden = place.isHidden;
     const MeterFrame frame{std::trunc(static_cast<double>(place.anchorX) - offset.x),
         std::trunc(static_cast<double>(place.anchorY) - offset.y), isHidden ? 0 : box.width, isHidden ? 0 : box.height};
     if (frame == place.frame)
         return;
+    isChanged_ = true;
     place.frame = frame;
     ++place.revision;
 }
@@ -150,6 +167,8 @@ std::uint64_t FullLayout::revision(std::size_t position) {
 
 void FullLayout::apply() {
     layOut(meters_.count());
+    if (!std::exchange(isChanged_, false))
+        return;
     for (std::size_t i = 0; i < places_.size(); ++i) {
         auto& meter = meters_.at(i);
         meter.setFrame(places_[i].frame);
@@ -163,7 +182,7 @@ void FullLayout::apply() {
 
 bool FullLayout::isDrawn(std::size_t position) const {
     const auto& place = places_[position];
-    const auto isShown = [&](std::size_t at) { return !meters_.entry(at).isHidden; };
+    const auto isShown = [&](std::size_t at) { return !places_[at].isHidden; };
     return isShown(position) && !place.isContainer && (!place.container || isShown(*place.container));
 }
 
@@ -171,7 +190,7 @@ Size FullLayout::extent() {
     layOut(meters_.count());
     Size size;
     for (std::size_t i = 0; i < places_.size(); ++i) {
-        if (places_[i].container || meters_.entry(i).isHidden)
+        if (places_[i].container || places_[i].isHidden)
             continue;
         const auto& frame = places_[i].frame;
         size.width = std::max(size.width, frame.x + frame.w);

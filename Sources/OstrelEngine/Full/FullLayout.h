@@ -29,6 +29,8 @@ public:
     std::uint64_t revision(std::size_t position);
     /// Lays all out and gives each meter its frame and container.
     void apply();
+    /// Grows when other meters than before are drawn. As of the last `apply`.
+    std::uint64_t shownRevision() const { return shownRevision_; }
     /// Neither hidden, nor a container or in one that is hidden. As of the last `apply`.
     bool isDrawn(std::size_t position) const;
 
@@ -58,6 +60,7 @@ private:
         std::optional<std::size_t> predecessor;
         bool isContainer = false;
         bool isMoved = false;
+        bool isHidden = false;
         /// What `r` and `R` of the next meter count from: before alignment.
         std::int64_t anchorX = 0;
         std::int64_t anchorY = 0;
@@ -78,6 +81,9 @@ private:
     bool hasContainers_ = false;
     bool areContainersCurrent_ = false;
     bool gaveContainers_ = false;
+    std::uint64_t shownRevision_ = 1;
+    /// A frame or a container has changed since the last `apply`.
+    bool isChanged_ = true;
 };
 
 } // namespace Ostrel

@@ -127,7 +127,6 @@ void FullSkin::buildMeter(std::size_t section) {
     definition.sectionName = skin_.sections[section].name;
     auto options = sections_.at(section).readAtLoad(scope_, sections_);
     definition.meterType = trimmed(option(options, "Meter"_key).value_or(""));
-    definition.allOptions = skin_.sections[section].options;
     meters_.add(FullMeterFactory::create(definition, std::move(options), meterContext_), section);
 }
 
@@ -307,20 +306,22 @@ void FullSkin::fitWindow() {
 
 void FullSkin::publish() {
     layout_.apply();
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < meters_.count(); ++i) {
-        if (!layout_.isDrawn(i))
-            continue;
-        if (count == drawables_.size())
-            drawables_.emplace_back();
-        if (auto& drawable = drawables_[count++]; drawable.meter != meters_.entry(i).meter)
-            drawable.meter = meters_.entry(i).meter;
+    if (drawnRevision_ != layout_.shownRevision()) {
+        drawnRevision_ = layout_.shownRevision();
+        drawables_.clear();
+        for (std::size_t i = 0; i < meters_.count(); ++i) {
+            if (layout_.isDrawn(i))
+                drawables_.push_back({meters_.entry(i).meter, {}});
+        }
     }
-    drawables_.resize(count);
     // Taken out meanwhile: what is shown may act on the skin and so publish again.
     auto drawables = std::exchange(drawables_, {});
+    const auto revision = std::exchange(drawnRevision_, 0);
     host_.skinDidPublish(drawables);
+    if (drawnRevision_ != 0)
+        return;
     drawables_ = std::move(drawables);
+    drawnRevision_ = revision;
 }
 
 void FullSkin::redraw() {

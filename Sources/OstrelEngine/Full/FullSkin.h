@@ -162,6 +162,8 @@ private:
     bool hasWindowSize_ = false;
 
     std::vector<Drawable> drawables_;
+    /// What `drawables_` shows.
+    std::uint64_t drawnRevision_ = 0;
     std::unique_ptr<RepeatingTimer> timer_;
     int tickCount_ = 0;
     std::int64_t cycleCount_ = 0;

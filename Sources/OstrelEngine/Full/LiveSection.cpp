@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <tuple>
 #include <utility>
 
 namespace Ostrel {
@@ -60,7 +61,15 @@ void LiveSection::setOption(std::string_view key, std::string_view value) {
     if (const auto* written = raw_.find(key); written && *written == value)
         return;
     raw_.set(key, std::string(value));
+    const bool wasCompiled = std::exchange(compiledRevision_, 0) == revision_;
     ++revision_;
+    const auto entry = std::ranges::find_if(
+        entries_, [&](const Entry& candidate) { return equalsIgnoringCase(candidate.key, key); });
+    if (!wasCompiled || entry == entries_.end())
+        return;
+    *entry = makeEntry(std::string(entry->key), *raw_.find(key));
+    entry->isSet = true;
+    compiledRevision_ = revision_;
 }
 
 ReferenceKinds LiveSection::kinds(const Entry& entry) const {
@@ -77,10 +86,9 @@ LiveSection::Entry LiveSection::makeEntry(std::string_view key, const std::strin
     return entry;
 }
 
-void LiveSection::refresh(Entry& entry, const SkinScope& scope) const {
+std::string LiveSection::resolve(Entry& entry, const SkinScope& scope) const {
     entry.isStale = false;
-    entry.value
-        = entry.text.isPlain() ? entry.text.raw() : scope.resolve(entry.text, name_, kinds(entry), entry.dependencies);
+    return entry.text.isPlain() ? entry.text.raw() : scope.resolve(entry.text, name_, kinds(entry), entry.dependencies);
 }
 
 bool LiveSection::areStylesCurrent() const {
@@ -90,7 +98,7 @@ bool LiveSection::areStylesCurrent() const {
 
 void LiveSection::findStyles(const LiveSections& sections) {
     styles_.clear();
-    const auto names = split(style_.value, '|');
+    const auto names = split(styleNames_, '|');
     for (auto name = names.rbegin(); name != names.rend() && styles_.size() < MaxStyles; ++name) {
         const auto* style = sections.find(trimmed(*name));
         if (style && style != this)
@@ -108,6 +116,17 @@ const std::string* LiveSection::effective(std::string_view key) const {
     return nullptr;
 }
 
+/// Whether the section itself or one of the first styles has the option.
+bool LiveSection::isTaken(std::string_view key, std::uint32_t hash, std::size_t styleCount) const {
+    if (raw_.find(key, hash))
+        return true;
+    for (std::size_t i = 0; i < styleCount; ++i) {
+        if (styles_[i].first->raw_.find(key, hash))
+            return true;
+    }
+    return false;
+}
+
 std::vector<std::string> LiveSection::compile(const LiveSections& sections) {
     findStyles(sections);
     compiledRevision_ = revision_;
@@ -115,47 +134,39 @@ std::vector<std::string> LiveSection::compile(const LiveSections& sections) {
     CaseInsensitiveDictionary<std::size_t> old;
     for (std::size_t i = 0; i < before.size(); ++i)
         old.set(before[i].key, i);
-    CaseInsensitiveDictionary<bool> seen;
-    const auto add = [&](const std::string& key, const std::string& raw, bool isOwn) {
-        if (!seen.insertIfAbsent(key, true))
-            return;
-        const bool isSet = isOwn && set_.contains(key);
-        const auto* place = old.find(key);
-        if (place && before[*place].text.raw() == raw) {
+    const auto add = [&](const std::string& key, const std::string& raw, bool isSet) {
+        const auto* place = before.empty() ? nullptr : old.find(key);
+        if (place && before[*place].text.raw() == raw)
             entries_.push_back(std::move(before[*place]));
-        } else {
+        else
             entries_.push_back(makeEntry(key, raw));
-            // What the target has, so that only a change reaches it.
-            if (place)
-                entries_.back().value = std::move(before[*place].value);
-        }
+        if (place)
+            before[*place].key.clear();
         auto& entry = entries_.back();
         entry.isStale = entry.isStale || entry.isSet != isSet;
         entry.isSet = isSet;
     };
+    entries_.reserve(raw_.count());
     for (const auto& [key, raw, hash] : raw_)
-        add(key, raw, true);
-    for (const auto& [style, revision] : styles_) {
-        for (const auto& [key, raw, hash] : style->raw_) {
-            if (!isKindOption(key) && !equalsIgnoringCase(key, "MeterStyle"))
+        add(key, raw, set_.contains(key));
+    for (std::size_t i = 0; i < styles_.size(); ++i) {
+        for (const auto& [key, raw, hash] : styles_[i].first->raw_) {
+            if (!isTaken(key, hash, i) && !isKindOption(key) && !equalsIgnoringCase(key, "MeterStyle"))
                 add(key, raw, false);
         }
     }
     std::vector<std::string> gone;
     for (const auto& [key, place, hash] : old) {
-        if (!seen.contains(key))
+        if (!before[place].key.empty() && !isTaken(key, hash, styles_.size()))
             gone.push_back(key);
     }
     return gone;
 }
 
-void LiveSection::noteDynamic() {
-    const auto found = std::ranges::find_if(
-        entries_, [](const Entry& entry) { return equalsIgnoringCase(entry.key, "DynamicVariables"); });
-    const bool isDynamic = found != entries_.end() && OptionValues::isOn(found->value).value_or(false);
-    if (isDynamic == isDynamic_)
+void LiveSection::noteDynamic(std::string_view text) {
+    const bool isDynamic = OptionValues::isOn(text).value_or(false);
+    if (std::exchange(isDynamic_, isDynamic) == isDynamic)
         return;
-    isDynamic_ = isDynamic;
     for (auto& entry : entries_)
         entry.isStale = true;
 }
@@ -163,54 +174,77 @@ void LiveSection::noteDynamic() {
 Options LiveSection::readAtLoad(const SkinScope& scope, const LiveSections& sections) {
     if (const auto* style = raw_.find("MeterStyle"_key)) {
         style_ = makeEntry("MeterStyle", *style);
-        refresh(style_, scope);
+        styleNames_ = resolve(style_, scope);
     }
     compile(sections);
     Options options;
     options.reserve(entries_.size());
-    for (auto& entry : entries_) {
-        refresh(entry, scope);
-        options.set(entry.key, entry.value);
-    }
+    for (auto& entry : entries_)
+        options.set(entry.key, resolve(entry, scope));
     // From here on a dynamic section resolves references to sections too.
-    noteDynamic();
+    noteDynamic(option(options, "DynamicVariables"_key).value_or(""));
     return options;
 }
 
 void LiveSection::read(const SkinScope& scope, const LiveSections& sections, OptionTarget& target) {
-    if (!isDynamic_ && !isPending_)
+    const bool isCurrent = !isPending_ && isWatching_ && areStylesCurrent() && scope.isCurrent(watched_);
+    if (!isToBeRead() || isCurrent)
         return;
     isPending_ = false;
     const auto* style = raw_.find("MeterStyle"_key);
-    const bool isOtherStyle = style ? *style != style_.text.raw() : !style_.text.raw().empty();
-    if (isOtherStyle)
+    if (style ? *style != style_.text.raw() : !style_.text.raw().empty())
         style_ = makeEntry("MeterStyle", style ? *style : std::string());
     style_.isSet = set_.contains("MeterStyle");
     if (style_.isStale || !scope.isCurrent(style_.dependencies)) {
-        const auto before = style_.value;
-        refresh(style_, scope);
-        if (style_.value != before)
+        const auto before = std::exchange(styleNames_, resolve(style_, scope));
+        if (styleNames_ != before)
             compiledRevision_ = 0;
     }
-    if (isOtherStyle || !areStylesCurrent()) {
-        for (const auto& key : compile(sections))
+    if (!areStylesCurrent()) {
+        for (const auto& key : compile(sections)) {
             target.removeOption(key);
+            if (equalsIgnoringCase(key, "DynamicVariables"))
+                noteDynamic({});
+        }
     }
-    // What the switch says now decides how the others are read.
-    for (auto& entry : entries_) {
-        if (equalsIgnoringCase(entry.key, "DynamicVariables"))
-            readEntry(entry, scope, target);
-    }
-    noteDynamic();
-    for (auto& entry : entries_)
-        readEntry(entry, scope, target);
+    readEntries(scope, target);
+    watch();
 }
 
-void LiveSection::readEntry(Entry& entry, const SkinScope& scope, OptionTarget& target) {
-    if (!entry.isStale && (entry.text.isPlain() || scope.isCurrent(entry.dependencies)))
-        return;
-    refresh(entry, scope);
-    target.setOption(entry.key, entry.value);
+void LiveSection::readEntries(const SkinScope& scope, OptionTarget& target) {
+    // What the switch says now decides how the others are read.
+    for (auto& entry : entries_) {
+        if (isToBeRead(entry, scope) && equalsIgnoringCase(entry.key, "DynamicVariables")) {
+            const auto text = resolve(entry, scope);
+            target.setOption(entry.key, text);
+            noteDynamic(text);
+        }
+    }
+    for (auto& entry : entries_) {
+        if (isToBeRead(entry, scope))
+            target.setOption(entry.key, resolve(entry, scope));
+    }
+}
+
+void LiveSection::watch() {
+    using Item = ReferenceDependencies::Item;
+    isWatching_ = true;
+    watched_.clear();
+    const auto add = [this](const Entry& entry) {
+        watched_.isVolatile = watched_.isVolatile || entry.isStale || entry.dependencies.isVolatile;
+        watched_.items.insert(watched_.items.end(), entry.dependencies.items.begin(), entry.dependencies.items.end());
+    };
+    add(style_);
+    for (const auto& entry : entries_)
+        add(entry);
+    const auto key = [](const Item& item) { return std::tuple(item.kind, item.position, item.revision); };
+    std::ranges::sort(watched_.items, {}, key);
+    const auto rest = std::ranges::unique(watched_.items, {}, key);
+    watched_.items.erase(rest.begin(), rest.end());
+}
+
+bool LiveSection::isToBeRead(const Entry& entry, const SkinScope& scope) {
+    return entry.isStale || !(entry.text.isPlain() || scope.isCurrent(entry.dependencies));
 }
 
 std::size_t LiveSections::add(LiveSection section) {

@@ -60,21 +60,23 @@ private:
         bool isAction = false;
         /// A bang set it: references to sections are resolved though the section is static.
         bool isSet = false;
-        /// `value` was resolved with other kinds of references or from another text.
+        /// The target has not got the present text yet.
         bool isStale = true;
-        std::string value;
         ReferenceDependencies dependencies;
     };
 
     ReferenceKinds kinds(const Entry& entry) const;
     Entry makeEntry(std::string_view key, const std::string& raw) const;
-    void refresh(Entry& entry, const SkinScope& scope) const;
-    void readEntry(Entry& entry, const SkinScope& scope, OptionTarget& target);
+    std::string resolve(Entry& entry, const SkinScope& scope) const;
+    static bool isToBeRead(const Entry& entry, const SkinScope& scope);
+    bool isTaken(std::string_view key, std::uint32_t hash, std::size_t styleCount) const;
     bool areStylesCurrent() const;
     void findStyles(const LiveSections& sections);
     /// Cuts the effective options anew, keeping what stays. The keys that are gone are returned.
     std::vector<std::string> compile(const LiveSections& sections);
-    void noteDynamic();
+    void noteDynamic(std::string_view text);
+    void readEntries(const SkinScope& scope, OptionTarget& target);
+    void watch();
 
     std::string name_;
     Options raw_;
@@ -83,10 +85,14 @@ private:
     std::uint64_t compiledRevision_ = 0;
     bool isDynamic_ = false;
     bool isPending_ = false;
+    bool isWatching_ = false;
     /// Options that bangs set.
     CaseInsensitiveDictionary<bool> set_;
     std::vector<Entry> entries_;
+    /// All that the entries were made of, each thing once.
+    ReferenceDependencies watched_;
     Entry style_;
+    std::string styleNames_;
     /// The sections that MeterStyle names, the strongest first, and what they were at.
     std::vector<std::pair<const LiveSection*, std::uint64_t>> styles_;
 };

@@ -28,7 +28,8 @@ LinuxPlatform::LinuxPlatform()
           .recycleManager = &recycleManager_,
           .scripts = &scripts_,
           .programs = &programs_,
-          .web = &web_} { }
+          .web = &web_,
+          .worker = &worker_} { }
 
 LinuxPlatform::~LinuxPlatform() = default;
 

@@ -13,6 +13,7 @@
 #include "OstrelPlatform/Linux/Web/LazyRemoteReader.h"
 #include "OstrelPlatform/Linux/Web/LazyWebFetcher.h"
 #include "OstrelPlatform/Platform.h"
+#include "OstrelPlatform/ThreadSerialQueue.h"
 
 #include <memory>
 
@@ -34,6 +35,7 @@ private:
     LinuxClock clock_;
     LinuxHostStatistics hostStatistics_;
     QtMainQueue mainQueue_;
+    ThreadSerialQueue worker_;
     FontconfigRegistrar fonts_;
     LazyRemoteReader remoteReader_;
     LazyScriptEngine scripts_;
