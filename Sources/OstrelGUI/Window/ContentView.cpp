@@ -5,6 +5,7 @@
 #include "OstrelGUI/Window/DLLCompatibilityMenuView.h"
 #include "OstrelGUI/Window/DropHint.h"
 #include "OstrelGUI/Window/MediaPlayerMenuView.h"
+#include "OstrelGUI/Window/PackLaunch.h"
 #include "OstrelGUI/Window/PaintedParts.h"
 #include "OstrelGUI/Window/Placeholder.h"
 #include "OstrelGUI/Window/ScanDetailView.h"
@@ -31,6 +32,7 @@ ContentView::ContentView(Dependencies dependencies)
     installPaintedParts();
     if (!with_.dialogs)
         with_.dialogs = makeWindowDialogs();
+    packs_ = std::make_unique<PackLaunch>(*this, with_.defaults, with_.library, *with_.dialogs);
     buildWindow();
     observe();
 }
@@ -93,7 +95,7 @@ void ContentView::scan(std::span<const std::string> paths, ShowSkin showSkin) {
             if (!launches)
                 return;
             for (const std::string& path : expanded)
-                library.launchWidget(path);
+                window->packs_->launch(path);
         });
 }
 
@@ -166,10 +168,14 @@ void ContentView::showDetail() {
     }
     QWidget* shown = page(*sidebarSelection_);
     if (const auto* scan = selectedScan()) {
-        scanDetail_->setRunning(isRunning(scan->path));
-        scanDetail_->showItem(*scan);
+        showScan(*scan);
     }
     detail_->setCurrentWidget(shown);
+}
+
+void ContentView::showScan(const ScannerViewModel::ScanItem& scan) {
+    scanDetail_->setRunning(isRunning(scan.path));
+    scanDetail_->showItem(scan, packs_->choices().dialectOf(scan.path));
 }
 
 void ContentView::changeEvent(QEvent* event) {

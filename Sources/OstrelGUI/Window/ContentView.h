@@ -21,6 +21,7 @@ class DLLCompatibilityMenuView;
 class DesktopAppearance;
 class DropHint;
 class MediaPlayerMenuView;
+class PackLaunch;
 class Placeholder;
 class ScanDetailView;
 class SettingsMenuView;
@@ -87,6 +88,8 @@ private:
 
     enum class ShowSkin { No, Yes };
     void scan(std::span<const std::string> paths, ShowSkin showSkin);
+    /// The detail shows the scan in the dialect of its pack.
+    void showScan(const ScannerViewModel::ScanItem& scan);
     void scansDidChange(const ScannerViewModel::Change& change);
     void libraryDidChange();
     void showDetail();
@@ -96,6 +99,7 @@ private:
     bool isRunning(const std::string& path) const;
 
     Dependencies with_;
+    std::unique_ptr<PackLaunch> packs_;
     WindowTheme theme_;
     SidebarModel sidebarModel_;
     std::optional<SidebarSelection> sidebarSelection_;

@@ -143,7 +143,7 @@ TEST_F(PanelInputTest, theFieldGivesBackWhatNobodyHasChanged) {
     key(field, Qt::Key_End);
     key(field, Qt::Key_C, "c");
     key(field, Qt::Key_Return);
-    EXPECT_THAT(log, ElementsAre("= " + given, "= a\nbc"));
+    EXPECT_THAT(log, ElementsAre("submit Ask " + given, "submit Ask a\nbc"));
 }
 
 TEST_F(PanelInputTest, aMenuOrFieldUnderThePointerIsNoLeave) {
@@ -174,7 +174,7 @@ TEST_F(PanelInputTest, aMenuOrFieldUnderThePointerIsNoLeave) {
     leave(&panel);
     point({-50, 10});
     key(shown<ContextMenu>(), Qt::Key_Escape);
-    EXPECT_THAT(log, ElementsAre("over", "leave", "dismissed", "over", "leave"));
+    EXPECT_THAT(log, ElementsAre("over", "leave", "dismiss Ask", "over", "leave"));
 }
 
 TEST_F(PanelInputTest, theFieldIsDismissedByEscapeAndByAClickOutside) {
