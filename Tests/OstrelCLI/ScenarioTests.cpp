@@ -124,8 +124,8 @@ TEST(ScenarioTests, runsRealSkins) {
 TEST(ScenarioTests, tellsOfPlayersOnStandardErrorAlone) {
     const TemporaryFolder folder;
     const auto skin = folder.write("Player.ini", "[Now]\nMeasure=NowPlaying\nPlayerName=winamp\nPlayerType=bogus\n");
-    for (const auto& command : std::vector<std::vector<std::string>>{
-             {"trace", skin}, {"render", skin, "-o", folder.path() + "/out.png"}}) {
+    for (const auto& command :
+        std::vector<std::vector<std::string>>{{"trace", skin}, {"render", skin, "-o", folder.path() + "/out.png"}}) {
         const auto result = runOstrel(command);
         EXPECT_THAT(result.messages, testing::HasSubstr("Invalid PlayerType=\"bogus\" in section [Now]."));
         EXPECT_THAT(result.messages, testing::HasSubstr("winamp"));
