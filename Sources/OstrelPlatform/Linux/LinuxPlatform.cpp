@@ -26,7 +26,8 @@ LinuxPlatform::LinuxPlatform()
           .workspace = &workspace_,
           .appearance = &appearance_,
           .recycleManager = &recycleManager_,
-          .scripts = &scripts_} { }
+          .scripts = &scripts_,
+          .worker = &worker_} { }
 
 LinuxPlatform::~LinuxPlatform() = default;
 

@@ -11,6 +11,7 @@
 #include "OstrelPlatform/Linux/Time/QtMainQueue.h"
 #include "OstrelPlatform/Linux/Web/LazyRemoteReader.h"
 #include "OstrelPlatform/Platform.h"
+#include "OstrelPlatform/ThreadSerialQueue.h"
 
 #include <memory>
 
@@ -32,6 +33,7 @@ private:
     LinuxClock clock_;
     LinuxHostStatistics hostStatistics_;
     QtMainQueue mainQueue_;
+    ThreadSerialQueue worker_;
     FontconfigRegistrar fonts_;
     LazyRemoteReader remoteReader_;
     LazyScriptEngine scripts_;

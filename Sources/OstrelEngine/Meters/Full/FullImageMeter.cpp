@@ -6,6 +6,7 @@
 
 #include <QPainter>
 
+#include <algorithm>
 #include <utility>
 
 namespace Ostrel {
@@ -35,16 +36,20 @@ void FullImageMeter::readOptions() {
     if (look == look_ && !isOther && !hasOtherMask)
         return;
     look_ = std::move(look);
+    isNamed_ = false;
     ++composition_;
     contentDidChange();
 }
 
 void FullImageMeter::takeValues(MeasureValues values) {
-    // A measure's text stands for a name without places.
-    const bool hasPlaces = look_.name.find('%') != std::string::npos;
-    const std::string_view name = !values.empty() && !hasPlaces ? std::string_view("%1") : look_.name;
-    const bool isOther = values.empty() ? picture_.show(name) : picture_.show(replacingPlaces(name, values, {}));
-    if (!isOther)
+    if (!isNamed_ || !std::equal(values.begin(), values.end(), values_.begin(), values_.end())) {
+        values_.assign(values.begin(), values.end());
+        // A measure's text stands for a name without places.
+        const bool isMeasured = !values.empty() && look_.name.find('%') == std::string::npos;
+        name_ = replacingPlaces(isMeasured ? std::string_view("%1") : look_.name, values, {});
+        isNamed_ = true;
+    }
+    if (!picture_.show(name_))
         return;
     ++composition_;
     contentDidChange();

@@ -6,8 +6,10 @@
 #include "OstrelEngine/Meters/Full/PictureDrawing.h"
 #include "OstrelEngine/Meters/Full/PictureSource.h"
 
+#include <limits>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Ostrel {
 
@@ -22,6 +24,7 @@ protected:
     void takeValues(MeasureValues values) override;
     Size contentSize(std::optional<double> width, std::optional<double> height) const override;
     void drawContent(QPainter& painter) override;
+    std::size_t toolTipPlaces() const override { return std::numeric_limits<std::size_t>::max(); }
 
 private:
     enum class Kind { Fitted, Tiled, InPieces, Masked };
@@ -35,6 +38,10 @@ private:
     };
 
     Look look_;
+    /// The name that these values gave.
+    std::string name_;
+    std::vector<MeasureValue> values_;
+    bool isNamed_ = false;
     PictureSource picture_;
     PictureSource mask_;
     FittedImage fitted_;

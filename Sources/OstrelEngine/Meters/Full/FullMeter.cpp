@@ -99,6 +99,8 @@ void drawBevel(QPainter& painter, const QRectF& box, const QColor& leftTop, cons
 } // namespace
 
 struct FullMeter::State {
+    /// With places for values.
+    ToolTip toolTip;
     std::optional<std::uint64_t> readRevision;
     Look look;
     /// Grows when the background looks different.
@@ -166,9 +168,12 @@ void FullMeter::update(MeasureValues values) {
             ++state_->lookRevision;
             contentDidChange();
         }
+        state_->toolTip = toolTip_ = ToolTip::parse(options());
         readOptions();
     }
     takeValues(values);
+    if (state_->toolTip.hasPlaces())
+        toolTip_ = state_->toolTip.filled(values.first(std::min(values.size(), toolTipPlaces())), toolTipNumbers());
     const auto& look = state_->look;
     Size content{look.width.value_or(0), look.height.value_or(0)};
     if (!look.width || !look.height) {

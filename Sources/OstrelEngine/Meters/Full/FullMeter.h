@@ -1,6 +1,8 @@
 #pragma once
 
 #include "OstrelDialect/OptionValues.h"
+#include "OstrelEngine/Meters/Full/NumberFormat.h"
+#include "OstrelEngine/Meters/Full/ToolTip.h"
 #include "OstrelEngine/Meters/MeterProtocol.h"
 
 #include <cstdint>
@@ -54,6 +56,9 @@ public:
     /// Seconds until the content changes by itself, absent when it rests; `advance` then takes the step.
     virtual std::optional<double> secondsUntilNextFrame() const { return std::nullopt; }
     virtual void advance() { }
+
+    /// What to show while the pointer rests on the meter, as of the last update.
+    const ToolTip& toolTip() const { return toolTip_; }
 
     /// The meter whose picture cuts and fades this one; null for none. Held weakly. The container of a container is
     /// not looked at, so a ring of them is drawn as pairs.
@@ -109,6 +114,10 @@ protected:
     /// False: neither background nor content is drawn.
     virtual bool isDrawn() const { return true; }
 
+    /// How many of the bound values a tool tip may name, and how it shows their numbers.
+    virtual std::size_t toolTipPlaces() const { return 1; }
+    virtual NumberFormat toolTipNumbers() const { return {}; }
+
     void optionsDidChange() final { }
 
 private:
@@ -123,6 +132,7 @@ private:
     const FullMeterContext& context_;
     std::unique_ptr<State> state_;
     Size box_;
+    ToolTip toolTip_;
     std::optional<Rect> changedPart_;
 };
 

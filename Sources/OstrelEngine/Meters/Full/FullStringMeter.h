@@ -2,6 +2,7 @@
 
 #include "OstrelEngine/Meters/Full/FullMeter.h"
 
+#include <limits>
 #include <memory>
 
 namespace Ostrel {
@@ -23,6 +24,8 @@ protected:
     void takeValues(MeasureValues values) override;
     Size contentSize(std::optional<double> width, std::optional<double> height) const override;
     void drawContent(QPainter& painter) override;
+    std::size_t toolTipPlaces() const override { return std::numeric_limits<std::size_t>::max(); }
+    NumberFormat toolTipNumbers() const override { return NumberFormat::ofToolTips(); }
     Rect contentPaintRect() const override;
 
 private:

@@ -104,6 +104,22 @@ TEST(FullText, takesTheBoxOfItsLines) {
     }
 }
 
+TEST(FullText, toolTipsNameTheirValues) {
+    FullMeterWorkshop workshop;
+    const std::vector<MeasureValue> values{numberValue(2048), numberValue(0.4), textValue("x")};
+    const OptionPairs options = {{"ToolTipText", "%1B, %2#CRLF#%3"}, {"ToolTipTitle", "%3"}, {"ToolTipIcon", "Info"},
+        {"ToolTipType", "1"}, {"ToolTipWidth", "(10*20)"}, {"NumOfDecimals", "3"}};
+    ToolTip expected{"2 kB, 0 \nx", "x", "Info", true, 200};
+    EXPECT_EQ(workshop.place("String", options, values)->toolTip(), expected);
+    expected.text = "2048B, 0\nx";
+    EXPECT_EQ(workshop.place("Image", options, values)->toolTip(), expected);
+    expected.text = "2048B, %2\n%3";
+    expected.title = "%3";
+    EXPECT_EQ(workshop.place("Rotator", options, values)->toolTip(), expected);
+    EXPECT_TRUE(workshop.place("String", {{"ToolTipTitle", "t"}})->toolTip().isEmpty());
+    EXPECT_TRUE(workshop.place("String", {{"ToolTipText", "t"}, {"ToolTipHidden", "1"}})->toolTip().isEmpty());
+}
+
 TEST(FullText, isDrawnAgainOnlyWhenItsTextOrLookChanged) {
     FullMeterWorkshop workshop;
     const auto meter = workshop.place("String", {{"Text", "%1"}, {"InlineSetting", "Color|FF0000"}}, {numberValue(2)});
