@@ -2,6 +2,7 @@
 
 #include "OstrelCLI/Command.h"
 #include "OstrelCLI/SkinInput.h"
+#include "OstrelDialect/PackReader.h"
 #include "OstrelEngine/Runtime/SkinFactory.h"
 
 #include <algorithm>
@@ -58,7 +59,8 @@ void HeadlessSkin::run(SkinConfig config) {
 }
 
 void HeadlessSkin::run(PackSkin skin, const DialectOptions& options) {
-    fullHost_ = std::make_unique<HeadlessFullHost>(*this, options);
+    SkinHost& base = *this;
+    fullHost_ = std::make_unique<HeadlessFullHost>(base, options);
     fullSkin_ = FullSkin::create(std::move(skin), platform(), *fullHost_);
     skin_ = fullSkin_;
     input_.connect(skin_->makePointerRules(drawables_), skin_);
