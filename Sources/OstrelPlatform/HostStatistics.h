@@ -7,6 +7,8 @@
 
 namespace Ostrel {
 
+class HostDetails;
+
 /// Cumulative ticks of all processors together. Interrupt time counts as system, waiting for a disk as idle.
 struct CPUTicks {
     std::uint64_t user = 0;
@@ -64,6 +66,8 @@ public:
     /// All processors together, then each in the order of their numbers; a number without a processor has zeros. Empty
     /// when the read fails. The reference lives until the next wake.
     virtual const std::vector<ProcessorTimes>& processors() = 0;
+    /// Null where the machine tells no more.
+    virtual HostDetails* details() { return nullptr; }
 };
 
 } // namespace Ostrel

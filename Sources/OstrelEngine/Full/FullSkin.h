@@ -40,8 +40,11 @@ public:
 
     /// The window has got another place, or there are other screens.
     void placeDidChange();
+    void focusDidChange(bool isFocused);
     /// A bang from another skin or from outside.
     bool runBang(const BangCall& call);
+    /// An action that another skin sends to a config, "*" for all; true when this one is meant and did something.
+    bool runFromConfig(std::string_view config, std::string_view action);
     /// A meter's or the skin's own action, its `#V#` resolved, while an event goes on.
     bool runEventAction(std::string_view action, const ActionOrigin& origin);
     /// An option of [Rainmeter] as it was read at load; absent when it is not written.
@@ -65,7 +68,6 @@ public:
     WidgetRuntimeState snapshotState() const override { return {}; }
     void applyState(const WidgetRuntimeState&) override { }
     bool executeActionString(std::string_view action) override;
-    bool handleMouseEvent(MouseEventKind, Point, std::optional<std::string_view>) override { return false; }
     void submitInputText(std::string_view measureName, std::string_view value) override;
     void dismissInputText(std::string_view measureName) override;
 
@@ -115,6 +117,7 @@ private:
     FullSkin(PackSkin skin, const Platform& platform, FullSkinHost& host, std::int64_t cycles);
 
     void readSkinOptions();
+    void buildBackground();
     void buildMeasure(std::size_t section);
     void buildMeter(std::size_t section);
     void armTimer();
@@ -153,6 +156,8 @@ private:
 
     Options skinOptions_;
     FullMeterContext meterContext_;
+    /// Null without one.
+    std::shared_ptr<FullMeter> background_;
     double updateIntervalSeconds_ = 0;
     int defaultDivider_ = 1;
     bool isWindowDynamic_ = false;

@@ -26,7 +26,10 @@ LinuxPlatform::LinuxPlatform()
           .workspace = &workspace_,
           .appearance = &appearance_,
           .recycleManager = &recycleManager_,
-          .scripts = &scripts_} { }
+          .scripts = &scripts_,
+          .programs = &programs_,
+          .web = &web_,
+          .worker = &worker_} { }
 
 LinuxPlatform::~LinuxPlatform() = default;
 

@@ -1,18 +1,35 @@
 #include "OstrelEngine/Measures/Full/FullMeasureFactory.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/Full/ActionTimerMeasure.h"
 #include "OstrelEngine/Measures/Full/FullAudioLevelMeasure.h"
 #include "OstrelEngine/Measures/Full/FullCalcMeasure.h"
+#include "OstrelEngine/Measures/Full/FullDiskMeasure.h"
+#include "OstrelEngine/Measures/Full/FullFileViewMeasure.h"
+#include "OstrelEngine/Measures/Full/FullFolderInfoMeasure.h"
 #include "OstrelEngine/Measures/Full/FullInputTextMeasure.h"
 #include "OstrelEngine/Measures/Full/FullLoopMeasure.h"
 #include "OstrelEngine/Measures/Full/FullMemoryMeasure.h"
+#include "OstrelEngine/Measures/Full/FullNetMeasure.h"
 #include "OstrelEngine/Measures/Full/FullNowPlayingMeasure.h"
+#include "OstrelEngine/Measures/Full/FullPowerMeasure.h"
+#include "OstrelEngine/Measures/Full/FullProcessMeasure.h"
 #include "OstrelEngine/Measures/Full/FullProcessorMeasure.h"
+#include "OstrelEngine/Measures/Full/FullQuoteMeasure.h"
+#include "OstrelEngine/Measures/Full/FullRecycleManagerMeasure.h"
+#include "OstrelEngine/Measures/Full/FullRegistryMeasure.h"
+#include "OstrelEngine/Measures/Full/FullRunCommandMeasure.h"
 #include "OstrelEngine/Measures/Full/FullScriptMeasure.h"
+#include "OstrelEngine/Measures/Full/FullSensorMeasure.h"
 #include "OstrelEngine/Measures/Full/FullStringMeasure.h"
+#include "OstrelEngine/Measures/Full/FullStubMeasure.h"
+#include "OstrelEngine/Measures/Full/FullSysColorMeasure.h"
+#include "OstrelEngine/Measures/Full/FullSysInfoMeasure.h"
 #include "OstrelEngine/Measures/Full/FullTimeMeasure.h"
 #include "OstrelEngine/Measures/Full/FullUptimeMeasure.h"
+#include "OstrelEngine/Measures/Full/FullUsageMonitorMeasure.h"
 #include "OstrelEngine/Measures/Full/FullValueShaping.h"
+#include "OstrelEngine/Measures/Full/WebParserMeasure.h"
 
 #include <algorithm>
 #include <optional>
@@ -34,6 +51,7 @@ enum class Spelling { Type, Plugin, Both };
 constexpr ShapingRules General;
 constexpr ShapingRules Looping{
     .bounds = ShapingRules::Bounds::Own, .inversion = ShapingRules::Inversion::Ignored, .averages = false};
+constexpr ShapingRules OwnBounds{.bounds = ShapingRules::Bounds::Own};
 constexpr ShapingRules OwnBoundsWithTotal{
     .bounds = ShapingRules::Bounds::Own, .inversion = ShapingRules::Inversion::UnlessTotal};
 constexpr ShapingRules NotInverted{.inversion = ShapingRules::Inversion::Ignored};
@@ -47,22 +65,53 @@ struct Row {
 };
 
 constexpr Row Rows[] = {
+    {"ACTIONTIMER", Spelling::Plugin, make<ActionTimerMeasure>, General},
+    {"ADVANCEDCPU", Spelling::Plugin, make<FullUsageMonitorMeasure>, General},
     {"AUDIOLEVEL", Spelling::Plugin, make<FullAudioLevelMeasure>, General},
     {"CALC", Spelling::Type, make<FullCalcMeasure>, General},
+    {"CONFIGACTIVE", Spelling::Plugin, make<FullAbsentMeasure>, General},
+    {"CORETEMP", Spelling::Plugin, make<FullCoreTempMeasure>, General},
     {"CPU", Spelling::Type, make<FullProcessorMeasure>, General},
+    {"FILEVIEW", Spelling::Plugin, make<FullFileViewMeasure>, General},
+    {"FOLDERINFO", Spelling::Plugin, make<FullFolderInfoMeasure>, General},
+    {"FREEDISKSPACE", Spelling::Type, make<FullDiskMeasure>, OwnBoundsWithTotal},
+    {"FROSTEDGLASS", Spelling::Plugin, make<FullStubMeasure>, General},
     {"GPMDPPLUGIN", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
+    {"HOTKEY", Spelling::Plugin, make<FullStubMeasure>, General},
+    {"HWINFO", Spelling::Plugin, make<FullStubMeasure>, General},
     {"INPUTTEXT", Spelling::Plugin, make<FullInputTextMeasure>, NotInverted},
+    {"ISFULLSCREEN", Spelling::Plugin, make<FullStubMeasure>, General},
     {"ITUNESPLUGIN", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
     {"LOOP", Spelling::Type, make<FullLoopMeasure>, Looping},
     {"MEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"MOUSE", Spelling::Plugin, make<FullStubMeasure>, General},
+    {"MSIAFTERBURNER", Spelling::Plugin, make<FullStubMeasure>, General},
+    {"NET", Spelling::Type, make<FullNetMeasure>, OwnBounds},
+    {"NETIN", Spelling::Type, make<FullNetMeasure>, OwnBounds},
+    {"NETOUT", Spelling::Type, make<FullNetMeasure>, OwnBounds},
+    {"NETTOTAL", Spelling::Type, make<FullNetMeasure>, OwnBounds},
     {"NOWPLAYING", Spelling::Both, make<FullNowPlayingMeasure>, General},
+    {"PERFMON", Spelling::Plugin, make<FullUsageMonitorMeasure>, General},
     {"PHYSICALMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"POWERPLUGIN", Spelling::Plugin, make<FullPowerMeasure>, General},
+    {"PROCESS", Spelling::Both, make<FullProcessMeasure>, General},
+    {"QUOTEPLUGIN", Spelling::Plugin, make<FullQuoteMeasure>, General},
+    {"RECYCLEMANAGER", Spelling::Both, make<FullRecycleManagerMeasure>, General},
+    {"REGISTRY", Spelling::Type, make<FullRegistryMeasure>, General},
+    {"RESMON", Spelling::Plugin, make<FullStubMeasure>, General},
+    {"RUNCOMMAND", Spelling::Plugin, make<FullRunCommandMeasure>, General},
     {"SCRIPT", Spelling::Type, make<FullScriptMeasure>, General},
+    {"SPEEDFANPLUGIN", Spelling::Plugin, make<FullSpeedFanMeasure>, General},
     {"STRING", Spelling::Type, make<FullStringMeasure>, NotInverted},
     {"SWAPMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"SYSCOLOR", Spelling::Plugin, make<FullSysColorMeasure>, General},
+    {"SYSINFO", Spelling::Both, make<FullSysInfoMeasure>, General},
     {"TIME", Spelling::Type, make<FullTimeMeasure>, General},
     {"UPTIME", Spelling::Type, make<FullUptimeMeasure>, General},
+    {"USAGEMONITOR", Spelling::Plugin, make<FullUsageMonitorMeasure>, General},
     {"WEBNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
+    {"WEBPARSER", Spelling::Both, make<WebParserMeasure>, General},
+    {"WINDOWMESSAGEPLUGIN", Spelling::Plugin, make<FullStubMeasure>, General},
     {"WINDOWSNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
 };
 

@@ -33,6 +33,11 @@ LinuxHostStatistics::LinuxHostStatistics(const std::string& procFolder)
     , meminfoFile_(procFolder + "/meminfo")
     , netDevFile_(procFolder + "/net/dev") { }
 
+void LinuxHostStatistics::beginWake() {
+    ++wake_;
+    details_.beginWake();
+}
+
 template <typename Value, typename Read> const Value& LinuxHostStatistics::sampled(Sample<Value>& sample, Read read) {
     if (sample.wake != wake_)
         sample = {read(), wake_};

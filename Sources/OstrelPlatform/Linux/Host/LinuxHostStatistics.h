@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OstrelPlatform/HostStatistics.h"
+#include "OstrelPlatform/Linux/Host/LinuxHostDetails.h"
 #include "OstrelPlatform/Linux/Host/ProcFigures.h"
 #include "OstrelPlatform/Linux/Host/ProcFile.h"
 
@@ -16,7 +17,8 @@ class LinuxHostStatistics final : public HostStatistics {
 public:
     explicit LinuxHostStatistics(const std::string& procFolder = "/proc");
 
-    void beginWake() override { ++wake_; }
+    void beginWake() override;
+    HostDetails* details() override { return &details_; }
     std::optional<CPUTicks> cpuTicks() override;
     std::optional<MemoryFigures> physicalMemory() override { return memory().physical; }
     std::optional<MemoryFigures> swap() override { return memory().swap; }
@@ -34,6 +36,7 @@ private:
     template <typename Value, typename Read> const Value& sampled(Sample<Value>& sample, Read read);
     const ProcFigures::Memory& memory();
 
+    LinuxHostDetails details_;
     /// Above that of a sample never taken.
     std::uint64_t wake_ = 1;
     ProcFile statFile_;
