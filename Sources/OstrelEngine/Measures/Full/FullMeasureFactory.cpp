@@ -1,6 +1,7 @@
 #include "OstrelEngine/Measures/Full/FullMeasureFactory.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/Full/ActionTimerMeasure.h"
 #include "OstrelEngine/Measures/Full/FullAudioLevelMeasure.h"
 #include "OstrelEngine/Measures/Full/FullCalcMeasure.h"
 #include "OstrelEngine/Measures/Full/FullDiskMeasure.h"
@@ -17,6 +18,7 @@
 #include "OstrelEngine/Measures/Full/FullQuoteMeasure.h"
 #include "OstrelEngine/Measures/Full/FullRecycleManagerMeasure.h"
 #include "OstrelEngine/Measures/Full/FullRegistryMeasure.h"
+#include "OstrelEngine/Measures/Full/FullRunCommandMeasure.h"
 #include "OstrelEngine/Measures/Full/FullScriptMeasure.h"
 #include "OstrelEngine/Measures/Full/FullSensorMeasure.h"
 #include "OstrelEngine/Measures/Full/FullStringMeasure.h"
@@ -27,6 +29,7 @@
 #include "OstrelEngine/Measures/Full/FullUptimeMeasure.h"
 #include "OstrelEngine/Measures/Full/FullUsageMonitorMeasure.h"
 #include "OstrelEngine/Measures/Full/FullValueShaping.h"
+#include "OstrelEngine/Measures/Full/WebParserMeasure.h"
 
 #include <algorithm>
 #include <optional>
@@ -62,6 +65,7 @@ struct Row {
 };
 
 constexpr Row Rows[] = {
+    {"ACTIONTIMER", Spelling::Plugin, make<ActionTimerMeasure>, General},
     {"ADVANCEDCPU", Spelling::Plugin, make<FullUsageMonitorMeasure>, General},
     {"AUDIOLEVEL", Spelling::Plugin, make<FullAudioLevelMeasure>, General},
     {"CALC", Spelling::Type, make<FullCalcMeasure>, General},
@@ -95,6 +99,7 @@ constexpr Row Rows[] = {
     {"RECYCLEMANAGER", Spelling::Both, make<FullRecycleManagerMeasure>, General},
     {"REGISTRY", Spelling::Type, make<FullRegistryMeasure>, General},
     {"RESMON", Spelling::Plugin, make<FullStubMeasure>, General},
+    {"RUNCOMMAND", Spelling::Plugin, make<FullRunCommandMeasure>, General},
     {"SCRIPT", Spelling::Type, make<FullScriptMeasure>, General},
     {"SPEEDFANPLUGIN", Spelling::Plugin, make<FullSpeedFanMeasure>, General},
     {"STRING", Spelling::Type, make<FullStringMeasure>, NotInverted},
@@ -105,6 +110,7 @@ constexpr Row Rows[] = {
     {"UPTIME", Spelling::Type, make<FullUptimeMeasure>, General},
     {"USAGEMONITOR", Spelling::Plugin, make<FullUsageMonitorMeasure>, General},
     {"WEBNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
+    {"WEBPARSER", Spelling::Both, make<WebParserMeasure>, General},
     {"WINDOWMESSAGEPLUGIN", Spelling::Plugin, make<FullStubMeasure>, General},
     {"WINDOWSNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
 };
