@@ -11,12 +11,14 @@ class FontRegistrar;
 class HostStatistics;
 class MainQueue;
 class MediaPlayerBridges;
+class NetworkProbe;
 class PictureColors;
 class ProgramRunner;
 class RecycleManagerBackend;
 class RemoteReader;
 class ScriptEngine;
 class SerialQueue;
+class SoundControl;
 class WebFetcher;
 class Workspace;
 
@@ -48,6 +50,10 @@ struct Platform {
     WebFetcher* web = nullptr;
     /// Where measures do what would hold the main thread. Null: a thread of their own.
     SerialQueue* worker = nullptr;
+    /// Null where no address is asked how far it is.
+    NetworkProbe* networkProbe = nullptr;
+    /// Null where nothing controls the sound.
+    SoundControl* soundControl = nullptr;
 };
 
 } // namespace Ostrel

@@ -27,7 +27,8 @@ LinuxPlatform::LinuxPlatform()
           .appearance = &appearance_,
           .recycleManager = &recycleManager_,
           .scripts = &scripts_,
-          .worker = &worker_} { }
+          .worker = &worker_,
+          .networkProbe = &networkProbe_} { }
 
 LinuxPlatform::~LinuxPlatform() = default;
 

@@ -6,6 +6,7 @@
 #include "OstrelPlatform/Linux/Desktop/QSettingsUserDefaults.h"
 #include "OstrelPlatform/Linux/Files/FileSystemRecycleManagerBackend.h"
 #include "OstrelPlatform/Linux/Host/LinuxHostStatistics.h"
+#include "OstrelPlatform/Linux/Host/LinuxNetworkProbe.h"
 #include "OstrelPlatform/Linux/Scripts/LazyScriptEngine.h"
 #include "OstrelPlatform/Linux/Time/LinuxClock.h"
 #include "OstrelPlatform/Linux/Time/QtMainQueue.h"
@@ -34,6 +35,7 @@ private:
     LinuxHostStatistics hostStatistics_;
     QtMainQueue mainQueue_;
     ThreadSerialQueue worker_;
+    LinuxNetworkProbe networkProbe_{mainQueue_};
     FontconfigRegistrar fonts_;
     LazyRemoteReader remoteReader_;
     LazyScriptEngine scripts_;

@@ -3,6 +3,7 @@
 #include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/Full/FullAudioLevelMeasure.h"
 #include "OstrelEngine/Measures/Full/FullCalcMeasure.h"
+#include "OstrelEngine/Measures/Full/FullChameleonMeasure.h"
 #include "OstrelEngine/Measures/Full/FullDiskMeasure.h"
 #include "OstrelEngine/Measures/Full/FullFileViewMeasure.h"
 #include "OstrelEngine/Measures/Full/FullFolderInfoMeasure.h"
@@ -11,6 +12,7 @@
 #include "OstrelEngine/Measures/Full/FullMemoryMeasure.h"
 #include "OstrelEngine/Measures/Full/FullNetMeasure.h"
 #include "OstrelEngine/Measures/Full/FullNowPlayingMeasure.h"
+#include "OstrelEngine/Measures/Full/FullPingMeasure.h"
 #include "OstrelEngine/Measures/Full/FullPowerMeasure.h"
 #include "OstrelEngine/Measures/Full/FullProcessMeasure.h"
 #include "OstrelEngine/Measures/Full/FullProcessorMeasure.h"
@@ -19,6 +21,7 @@
 #include "OstrelEngine/Measures/Full/FullRegistryMeasure.h"
 #include "OstrelEngine/Measures/Full/FullScriptMeasure.h"
 #include "OstrelEngine/Measures/Full/FullSensorMeasure.h"
+#include "OstrelEngine/Measures/Full/FullSoundMeasure.h"
 #include "OstrelEngine/Measures/Full/FullStringMeasure.h"
 #include "OstrelEngine/Measures/Full/FullStubMeasure.h"
 #include "OstrelEngine/Measures/Full/FullSysColorMeasure.h"
@@ -27,6 +30,7 @@
 #include "OstrelEngine/Measures/Full/FullUptimeMeasure.h"
 #include "OstrelEngine/Measures/Full/FullUsageMonitorMeasure.h"
 #include "OstrelEngine/Measures/Full/FullValueShaping.h"
+#include "OstrelEngine/Measures/Full/FullWiFiMeasure.h"
 
 #include <algorithm>
 #include <optional>
@@ -65,6 +69,7 @@ constexpr Row Rows[] = {
     {"ADVANCEDCPU", Spelling::Plugin, make<FullUsageMonitorMeasure>, General},
     {"AUDIOLEVEL", Spelling::Plugin, make<FullAudioLevelMeasure>, General},
     {"CALC", Spelling::Type, make<FullCalcMeasure>, General},
+    {"CHAMELEON", Spelling::Plugin, make<FullChameleonMeasure>, General},
     {"CONFIGACTIVE", Spelling::Plugin, make<FullAbsentMeasure>, General},
     {"CORETEMP", Spelling::Plugin, make<FullCoreTempMeasure>, General},
     {"CPU", Spelling::Type, make<FullProcessorMeasure>, General},
@@ -79,6 +84,7 @@ constexpr Row Rows[] = {
     {"ISFULLSCREEN", Spelling::Plugin, make<FullStubMeasure>, General},
     {"ITUNESPLUGIN", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
     {"LOOP", Spelling::Type, make<FullLoopMeasure>, Looping},
+    {"MEDIAKEY", Spelling::Both, make<FullMediaKeyMeasure>, General},
     {"MEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
     {"MOUSE", Spelling::Plugin, make<FullStubMeasure>, General},
     {"MSIAFTERBURNER", Spelling::Plugin, make<FullStubMeasure>, General},
@@ -89,6 +95,7 @@ constexpr Row Rows[] = {
     {"NOWPLAYING", Spelling::Both, make<FullNowPlayingMeasure>, General},
     {"PERFMON", Spelling::Plugin, make<FullUsageMonitorMeasure>, General},
     {"PHYSICALMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"PINGPLUGIN", Spelling::Plugin, make<FullPingMeasure>, General},
     {"POWERPLUGIN", Spelling::Plugin, make<FullPowerMeasure>, General},
     {"PROCESS", Spelling::Both, make<FullProcessMeasure>, General},
     {"QUOTEPLUGIN", Spelling::Plugin, make<FullQuoteMeasure>, General},
@@ -105,6 +112,8 @@ constexpr Row Rows[] = {
     {"UPTIME", Spelling::Type, make<FullUptimeMeasure>, General},
     {"USAGEMONITOR", Spelling::Plugin, make<FullUsageMonitorMeasure>, General},
     {"WEBNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
+    {"WIFISTATUS", Spelling::Both, make<FullWiFiMeasure>, General},
+    {"WIN7AUDIOPLUGIN", Spelling::Plugin, make<FullWin7AudioMeasure>, General},
     {"WINDOWMESSAGEPLUGIN", Spelling::Plugin, make<FullStubMeasure>, General},
     {"WINDOWSNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
 };
