@@ -6,9 +6,9 @@
 #include "OstrelCore/Files/AtomicFile.h"
 #include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Actions/INIFileWriter.h"
-#include "OstrelEngine/Host/CanvasInput.h"
 #include "OstrelEngine/Runtime/SkinRuntime.h"
 #include "Support/FakePlatform.h"
+#include "Support/FakeSkinHost.h"
 #include "Support/TemporaryFolder.h"
 
 #include <QGuiApplication>
@@ -24,18 +24,19 @@ namespace Ostrel {
 namespace {
 
 /// A running skin of that text, which has ticked once.
-struct Skin {
-    explicit Skin(const std::string& text) {
+struct BenchedSkin {
+    explicit BenchedSkin(const std::string& text) {
         InMemoryFileProvider files;
         files.addFile("/s.ini", text);
         DiagnosticCollector diagnostics;
-        runtime = SkinRuntime::create(SkinLoader(files, diagnostics).load("/s.ini").value(), fakes.platform);
-        runtime->onUpdate = [this](const auto&) { ++published; };
+        runtime = SkinRuntime::create(SkinLoader(files, diagnostics).load("/s.ini").value(), fakes.platform, host);
+        host.onPublish = [this](const auto&) { ++published; };
         fakes.clock.uptime = 10;
         runtime->start();
     }
 
     FakePlatform fakes;
+    FakeSkinHost host;
     std::shared_ptr<SkinRuntime> runtime;
     int published = 0;
 };
@@ -58,7 +59,7 @@ std::string crowdedSkin(int meters) {
 }
 
 void runsAnActionString(benchmark::State& state) {
-    Skin skin(crowdedSkin(static_cast<int>(state.range(0))));
+    BenchedSkin skin(crowdedSkin(static_cast<int>(state.range(0))));
     const int before = skin.published;
     for (auto _ : state)
         benchmark::DoNotOptimize(skin.runtime->executeActionString("[!SetVariable X 1][!UpdateMeter *][!Redraw]"));
@@ -68,7 +69,7 @@ void runsAnActionString(benchmark::State& state) {
 BENCHMARK(runsAnActionString)->Arg(0)->Arg(10)->Arg(300);
 
 void parsesANewActionString(benchmark::State& state) {
-    Skin skin(crowdedSkin(10));
+    BenchedSkin skin(crowdedSkin(10));
     std::int64_t i = 0;
     for (auto _ : state)
         benchmark::DoNotOptimize(
@@ -94,7 +95,7 @@ std::string conditionalSkin() {
 }
 
 void ticksThroughConditions(benchmark::State& state) {
-    Skin skin(conditionalSkin());
+    BenchedSkin skin(conditionalSkin());
     for (auto _ : state)
         skin.runtime->performUpdate();
     if (skin.runtime->variables().contains("Turned") || skin.runtime->measure("Load")->value().numericValue < 2)
@@ -103,15 +104,15 @@ void ticksThroughConditions(benchmark::State& state) {
 BENCHMARK(ticksThroughConditions);
 
 void hoversOverManyMeters(benchmark::State& state) {
-    Skin skin(crowdedSkin(300));
+    BenchedSkin skin(crowdedSkin(300));
     std::vector<Drawable> drawables;
-    skin.runtime->onUpdate = [&](const auto& list) { drawables = list; };
+    skin.host.onPublish = [&](const auto& list) { drawables = list; };
     skin.runtime->executeActionString("[!Redraw]");
-    CanvasInput input(drawables);
+    const auto input = skin.runtime->makePointerRules(drawables);
     int hits = 0;
     for (auto _ : state) {
         // Below all of them, so that every meter is asked.
-        input.mouseMoved({-5, -5});
+        input->mouseMoved({-5, -5});
         hits += input.topmostDrawable({5, 30}) != nullptr;
     }
     if (hits != static_cast<int>(state.iterations()))

@@ -3,6 +3,7 @@
 // medians; "polls" are those of one interval.
 
 #include "Comparison.h"
+#include "OstrelEngine/Measures/MeasureHost.h"
 #include "OstrelEngine/Measures/NowPlayingMeasure.h"
 #include "OstrelEngine/Players/MediaPlayerBridge.h"
 #include "OstrelEngine/Players/MediaPlayerBridges.h"
@@ -53,13 +54,17 @@ void updateTenMeasures(benchmark::State& state) {
         .clock = fake.clock,
         .log = [](std::string_view) {}});
     fake.platform.mediaPlayers = &bridges;
-    std::vector<std::unique_ptr<NowPlayingMeasure>> measures;
+    std::vector<std::unique_ptr<BaseMeasure>> measures;
+    class Alone final : public MeasureHost {
+        BaseMeasure* measure(std::string_view) const override { return nullptr; }
+        void runAction(const BaseMeasure&, std::string_view) override { }
+    } host;
     for (const char* type :
         {"Artist", "Title", "Album", "Cover", "Position", "Duration", "Progress", "State", "Volume", "Status"}) {
         MeasureDefinition definition{type, "NowPlaying", std::nullopt, {}};
         definition.allOptions.set("PlayerName", "Spotify");
         definition.allOptions.set("PlayerType", type);
-        measures.push_back(std::make_unique<NowPlayingMeasure>(definition, "/skin.ini", fake.platform));
+        measures.push_back(std::make_unique<NowPlayingMeasure>(definition, "/skin.ini", fake.platform, host));
     }
     const auto updateAll = [&] {
         for (const auto& measure : measures)

@@ -2,7 +2,7 @@
 
 #include "OstrelCLI/Command.h"
 #include "OstrelCLI/SkinInput.h"
-#include "OstrelEngine/Host/CanvasWiring.h"
+#include "OstrelEngine/Runtime/SkinFactory.h"
 
 #include <algorithm>
 #include <chrono>
@@ -25,7 +25,7 @@ HeadlessSkin::HeadlessSkin(SkinConfig config, std::optional<double> wallSeconds)
     , audio_(time_)
     , player_(time_) {
     time_.onWake = [this] { hostStatistics_.beginWake(); };
-    runtime_ = SkinRuntime::create(std::move(config),
+    skin_ = makeSkin(std::move(config),
         Platform{.clock = time_,
             .mainQueue = time_,
             .hostStatistics = hostStatistics_,
@@ -35,49 +35,70 @@ HeadlessSkin::HeadlessSkin(SkinConfig config, std::optional<double> wallSeconds)
             .workspace = &workspace_,
             .mediaPlayers = &player_.bridges(),
             .pictures = &pictures_,
-            .recycleManager = &sparedTrash_});
-    runtime_->onUpdate = [this](const auto& drawables) { publish(drawables); };
-    runtime_->onInputTextPrompt = [this](const auto& presentation) { prompt(presentation); };
-    connectCanvas(input_, runtime_, hostStatistics_);
+            .recycleManager = &sparedTrash_},
+        *this);
+    input_.connect(skin_->makePointerRules(drawables_), skin_);
 }
 
 HeadlessSkin::~HeadlessSkin() = default;
 
-void HeadlessSkin::publish(const std::vector<Drawable>& drawables) {
+void HeadlessSkin::skinDidPublish(const std::vector<Drawable>& drawables) {
     drawables_ = drawables;
-    if (onUpdate)
-        onUpdate(drawables_);
+    if (watcher_)
+        watcher_->skinDidPublish(drawables_);
 }
 
-void HeadlessSkin::prompt(const std::optional<InputTextPresentation>& presentation) {
-    if (onInputTextPrompt)
-        onInputTextPrompt(presentation);
-    if (presentation)
-        input_.presentInput(*presentation);
-    else
-        input_.dismissInput();
+void HeadlessSkin::promptInput(const std::optional<InputTextPresentation>& presentation) {
+    if (watcher_)
+        watcher_->promptInput(presentation);
+    input_.promptInput(presentation);
+}
+
+void HeadlessSkin::deactivate() {
+    if (watcher_)
+        watcher_->deactivate();
+}
+
+void HeadlessSkin::deactivateConfig(const std::string& path) {
+    if (watcher_)
+        watcher_->deactivateConfig(path);
+}
+
+void HeadlessSkin::activateConfig(const std::string& path, bool toggle) {
+    if (watcher_)
+        watcher_->activateConfig(path, toggle);
+}
+
+void HeadlessSkin::refresh() {
+    if (watcher_)
+        watcher_->refresh();
+}
+
+void HeadlessSkin::refreshApp() {
+    if (watcher_)
+        watcher_->refreshApp();
 }
 
 void HeadlessSkin::start() {
-    runtime_->start();
+    skin_->start();
     runPending();
 }
 
 void HeadlessSkin::stop() {
-    runtime_->stop();
+    skin_->stop();
     runPending();
 }
 
 void HeadlessSkin::tick() {
-    time_.advance(runtime_->updateIntervalSeconds());
-    audio_.pass(runtime_->updateIntervalSeconds());
+    time_.advance(skin_->updateIntervalSeconds());
+    audio_.pass(skin_->updateIntervalSeconds());
     time_.fireTimers();
     runPending();
 }
 
 void HeadlessSkin::tickInRealTime() {
     constexpr double Longest = 1;
-    std::this_thread::sleep_for(std::chrono::duration<double>(std::min(runtime_->updateIntervalSeconds(), Longest)));
+    std::this_thread::sleep_for(std::chrono::duration<double>(std::min(skin_->updateIntervalSeconds(), Longest)));
     tick();
 }
 

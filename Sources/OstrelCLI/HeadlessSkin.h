@@ -7,7 +7,8 @@
 #include "OstrelCLI/SparedTrash.h"
 #include "OstrelEngine/Host/CanvasInput.h"
 #include "OstrelEngine/Meters/DecodedPictureColors.h"
-#include "OstrelEngine/Runtime/SkinRuntime.h"
+#include "OstrelEngine/Runtime/Skin.h"
+#include "OstrelEngine/Runtime/SkinHost.h"
 #include "OstrelPlatform/Linux/Desktop/FontconfigRegistrar.h"
 #include "OstrelPlatform/Linux/Files/FileSystemRecycleManagerBackend.h"
 #include "OstrelPlatform/Linux/Host/LinuxHostStatistics.h"
@@ -24,16 +25,18 @@
 namespace Ostrel {
 
 /// A skin that runs without a desktop: its clock and timer are the caller's, its figures the machine's.
-class HeadlessSkin {
+class HeadlessSkin final : private SkinHost {
 public:
     /// Absent when the skin cannot be loaded, which has then been told on standard error. `wallSeconds` fixes the wall
     /// clock.
     static std::unique_ptr<HeadlessSkin> load(const std::string& path, std::optional<double> wallSeconds);
-    ~HeadlessSkin();
+    ~HeadlessSkin() override;
     HeadlessSkin(const HeadlessSkin&) = delete;
     HeadlessSkin& operator=(const HeadlessSkin&) = delete;
 
-    SkinRuntime& runtime() { return *runtime_; }
+    Skin& skin() { return *skin_; }
+    /// Gets what the skin asks of its host, before the field is shown; null for nobody.
+    void setWatcher(SkinHost* watcher) { watcher_ = watcher; }
     double elapsedSeconds() const { return time_.elapsedSeconds(); }
 
     void start();
@@ -52,9 +55,6 @@ public:
     RecordingWorkspace& workspace() { return workspace_; }
     HeadlessPlayer& player() { return player_; }
 
-    /// Every publication, and every call for the input field.
-    std::function<void(const std::vector<Drawable>&)> onUpdate;
-    std::function<void(const std::optional<InputTextPresentation>&)> onInputTextPrompt;
     /// From here on each tick hears the next interval of this file. That it is no sound file is told on standard error.
     void playAudio(const std::string& path);
     /// From here on this file's text is what the music player answers. That it cannot be read is told on standard
@@ -66,8 +66,15 @@ public:
 private:
     HeadlessSkin(SkinConfig config, std::optional<double> wallSeconds);
 
-    void publish(const std::vector<Drawable>& drawables);
-    void prompt(const std::optional<InputTextPresentation>& presentation);
+    // SkinHost
+    void skinDidPublish(const std::vector<Drawable>& drawables) override;
+    void deactivate() override;
+    void deactivateConfig(const std::string& path) override;
+    void activateConfig(const std::string& path, bool toggle) override;
+    void refresh() override;
+    void refreshApp() override;
+    void promptInput(const std::optional<InputTextPresentation>& presentation) override;
+
     /// What was put off until now, and what the music player has answered.
     void runPending();
 
@@ -83,8 +90,9 @@ private:
     FileSystemRecycleManagerBackend trash_{workspace_};
     SparedTrash sparedTrash_{trash_};
     std::vector<Drawable> drawables_;
-    CanvasInput input_{drawables_};
-    std::shared_ptr<SkinRuntime> runtime_;
+    CanvasInput input_;
+    SkinHost* watcher_ = nullptr;
+    std::shared_ptr<Skin> skin_;
     bool lacksInput_ = false;
 };
 

@@ -25,18 +25,18 @@ namespace Ostrel::RenderCommand {
 namespace {
 
 /// The panel of a skin without a window: follows its publications and its size as a panel does.
-class PaperPanel {
+class PaperPanel final : private SkinHost {
 public:
-    explicit PaperPanel(HeadlessSkin& skin)
-        : runtime_(skin.runtime())
-        , size_(runtime_.widgetSize()) {
-        canvas_.setBackground(backgroundOf(runtime_.config()));
-        skin.onUpdate = [this](const auto& drawables) {
-            canvas_.setDrawables(drawables);
-            if (PanelPlacement::shouldResizeWindow(size_, runtime_.widgetSize()))
-                size_ = runtime_.widgetSize();
-        };
+    explicit PaperPanel(HeadlessSkin& headless)
+        : headless_(headless)
+        , skin_(headless.skin())
+        , size_(skin_.widgetSize()) {
+        canvas_.setBackground(backgroundOf(skin_.config()));
+        headless.setWatcher(this);
     }
+    ~PaperPanel() override { headless_.setWatcher(nullptr); }
+    PaperPanel(const PaperPanel&) = delete;
+    PaperPanel& operator=(const PaperPanel&) = delete;
 
     Size size() const { return size_; }
 
@@ -54,7 +54,21 @@ public:
     }
 
 private:
-    SkinRuntime& runtime_;
+    void skinDidPublish(const std::vector<Drawable>& drawables) override {
+        canvas_.setDrawables(drawables);
+        if (PanelPlacement::shouldResizeWindow(size_, skin_.widgetSize()))
+            size_ = skin_.widgetSize();
+    }
+    // The same skin goes on and shows what it has become.
+    void refresh() override { skin_.redraw(); }
+    void refreshApp() override { skin_.redraw(); }
+    void deactivate() override { }
+    void deactivateConfig(const std::string&) override { }
+    void activateConfig(const std::string&, bool) override { }
+    void promptInput(const std::optional<InputTextPresentation>&) override { }
+
+    HeadlessSkin& headless_;
+    Skin& skin_;
     Size size_;
     WidgetCanvas canvas_;
 };
@@ -88,7 +102,7 @@ int render(HeadlessSkin& skin, const std::vector<ScenarioStep>& steps, const Ren
     QImage picture = panel.picture(options.scale);
     const auto [width, height] = panel.size();
     // What a skin does at its end is none of the picture.
-    skin.onUpdate = nullptr;
+    skin.setWatcher(nullptr);
     skin.stop();
     if (picture.isNull()) {
         printMessage("cannot render " + options.skin + ": " + formatNumeric(width) + " x " + formatNumeric(height)

@@ -76,13 +76,31 @@ std::optional<std::vector<double>> parseNumbers(std::string_view rest, std::size
     return numbers.size() == count ? std::optional(std::move(numbers)) : std::nullopt;
 }
 
-/// A line that calls `Handle` of the canvas's input with a point.
-template <auto Handle> Run parsePointer(std::string_view rest) {
+void mouseMoved(CanvasInput& input, Point point) {
+    input.mouseMoved(point);
+}
+
+void mouseDown(CanvasInput& input, Point point) {
+    input.mouseDown(point);
+}
+
+void mouseDragged(CanvasInput& input, Point point) {
+    input.mouseDragged(point);
+}
+
+void mouseUp(CanvasInput& input, Point point) {
+    input.mouseUp(point);
+}
+
+using PointerCall = void (*)(CanvasInput& input, Point point);
+
+/// A line that calls `Handle` with a point.
+template <PointerCall Handle> Run parsePointer(std::string_view rest) {
     const auto numbers = parseNumbers(rest, 2);
     if (!numbers)
         return nullptr;
     return happening(
-        [point = Point{(*numbers)[0], (*numbers)[1]}](HeadlessSkin& skin) { (skin.input().*Handle)(point); });
+        [point = Point{(*numbers)[0], (*numbers)[1]}](HeadlessSkin& skin) { Handle(skin.input(), point); });
 }
 
 template <bool IsCommandHeld> Run parseScroll(std::string_view rest) {
@@ -97,7 +115,7 @@ template <bool IsCommandHeld> Run parseScroll(std::string_view rest) {
 }
 
 Run parseDo(std::string_view rest) {
-    return happening([action = std::string(rest)](HeadlessSkin& skin) { skin.runtime().executeActionString(action); });
+    return happening([action = std::string(rest)](HeadlessSkin& skin) { skin.skin().executeActionString(action); });
 }
 
 Run parseInput(std::string_view rest) {
@@ -121,16 +139,16 @@ constexpr std::array LineKinds{
     LineKind{"cancel", parseCancel},
     LineKind{"commandscroll", parseScroll<true>},
     LineKind{"do", parseDo},
-    LineKind{"down", parsePointer<&CanvasInput::mouseDown>},
-    LineKind{"drag", parsePointer<&CanvasInput::mouseDragged>},
+    LineKind{"down", parsePointer<mouseDown>},
+    LineKind{"drag", parsePointer<mouseDragged>},
     LineKind{"input", parseInput},
     LineKind{"leave", parseLeave},
-    LineKind{"move", parsePointer<&CanvasInput::mouseMoved>},
+    LineKind{"move", parsePointer<mouseMoved>},
     LineKind{"player", parsePlayer},
     LineKind{"scroll", parseScroll<false>},
     LineKind{"state", parseState},
     LineKind{"tick", parseTick},
-    LineKind{"up", parsePointer<&CanvasInput::mouseUp>},
+    LineKind{"up", parsePointer<mouseUp>},
     LineKind{"wait", parseWait},
 };
 

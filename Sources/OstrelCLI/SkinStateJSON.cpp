@@ -1,6 +1,6 @@
 #include "OstrelCLI/SkinStateJSON.h"
 
-#include "OstrelEngine/Runtime/SkinRuntime.h"
+#include "OstrelEngine/Runtime/Skin.h"
 
 #include <utility>
 
@@ -18,9 +18,9 @@ JSON valueJSON(const MeasureValue& value) {
         {"max", jsonNumber(value.maxValue)}};
 }
 
-JSON meterJSON(SkinRuntime& runtime, MeterRenderer& meter) {
-    const auto values = runtime.boundValues(meter);
-    JSON json{{"name", meter.name()}, {"visible", runtime.isMeterVisible(meter.name())},
+JSON meterJSON(Skin& skin, MeterRenderer& meter) {
+    const auto values = skin.boundValues(meter);
+    JSON json{{"name", meter.name()}, {"visible", skin.isMeterVisible(meter.name())},
         {"frame", rectJSON(meter.frame().rect())}, {"rect", rectJSON(meter.interactionRect(values))}};
     if (auto text = meter.displayedText(values))
         json["text"] = std::move(*text);
@@ -29,15 +29,15 @@ JSON meterJSON(SkinRuntime& runtime, MeterRenderer& meter) {
 
 } // namespace
 
-JSON skinStateJSON(SkinRuntime& runtime) {
-    const Size size = runtime.widgetSize();
+JSON skinStateJSON(Skin& skin) {
+    const Size size = skin.widgetSize();
     JSON json{{"size", JSON::array({jsonNumber(size.width), jsonNumber(size.height)})}, {"measures", JSON::object()},
         {"meters", JSON::array()}, {"variables", JSON::object()}};
-    for (const auto& measure : runtime.allMeasures())
+    for (const auto& measure : skin.allMeasures())
         json["measures"][measure->name()] = valueJSON(measure->value());
-    for (const auto& meter : runtime.meters())
-        json["meters"].push_back(meterJSON(runtime, *meter));
-    for (const auto& variable : runtime.variables())
+    for (const auto& meter : skin.meters())
+        json["meters"].push_back(meterJSON(skin, *meter));
+    for (const auto& variable : skin.variables())
         json["variables"][variable.key] = variable.value;
     return json;
 }

@@ -4,12 +4,12 @@
 
 namespace Ostrel {
 
-class SkinRuntime;
+class Skin;
 struct Rect;
 
 /// [x, y, width, height]
 JSON rectJSON(const Rect& rect);
 /// What a running skin shows of itself: size, measures, meters and variables, as members of one object.
-JSON skinStateJSON(SkinRuntime& runtime);
+JSON skinStateJSON(Skin& skin);
 
 } // namespace Ostrel

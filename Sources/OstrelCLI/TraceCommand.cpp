@@ -46,50 +46,51 @@ std::optional<Request> parse(Arguments arguments) {
 }
 
 /// Prints the state of a skin after each step, with what it asked of its host since the step before.
-class Trace {
+class Trace final : private SkinHost {
 public:
     explicit Trace(HeadlessSkin& skin)
         : skin_(skin) {
-        auto& runtime = skin.runtime();
-        skin.onUpdate = [this](const auto&) { ++published_; };
-        skin.onInputTextPrompt = [this](const auto& presentation) { recordInput(presentation); };
+        skin.setWatcher(this);
         skin.workspace().onOpen = [this](const std::string& target) { record("open", {{"target", target}}); };
         skin.player().onCommand = [this](const std::string& script) { record("player", {{"script", script}}); };
         skin.workspace().onLaunch = [this](const std::string& program, const std::vector<std::string>& arguments) {
             record("launch", {{"program", program}, {"arguments", arguments}});
         };
-        runtime.onDeactivateRequest = [this] { record("deactivate"); };
-        runtime.onDeactivateConfigRequest = [this](const std::string& path) {
-            record("deactivateConfig", {{"path", path}});
-        };
-        runtime.onActivateConfigRequest = [this](const std::string& path, bool toggle) {
-            record("activateConfig", {{"path", path}, {"toggle", toggle}});
-        };
-        runtime.onRefreshRequest = [this] { record("refresh"); };
-        runtime.onRefreshAppRequest = [this] { record("refreshApp"); };
     }
 
+    ~Trace() override { skin_.setWatcher(nullptr); }
+    Trace(const Trace&) = delete;
+    Trace& operator=(const Trace&) = delete;
+
     void print(std::string_view step) {
-        JSON json{{"step", step}, {"time", jsonNumber(skin_.elapsedSeconds())}, {"tick", skin_.runtime().tickCount()},
+        JSON json{{"step", step}, {"time", jsonNumber(skin_.elapsedSeconds())}, {"tick", skin_.skin().tickCount()},
             {"published", published_}};
-        json.update(skinStateJSON(skin_.runtime()));
+        json.update(skinStateJSON(skin_.skin()));
         json["requests"] = std::exchange(requests_, JSON::array());
         std::cout << printed(json) << "\n";
     }
 
 private:
-    void record(std::string_view kind, const JSON& members = JSON::object()) {
-        JSON request{{"kind", kind}};
-        request.update(members);
-        requests_.push_back(std::move(request));
+    void skinDidPublish(const std::vector<Drawable>&) override { ++published_; }
+    void deactivate() override { record("deactivate"); }
+    void deactivateConfig(const std::string& path) override { record("deactivateConfig", {{"path", path}}); }
+    void activateConfig(const std::string& path, bool toggle) override {
+        record("activateConfig", {{"path", path}, {"toggle", toggle}});
     }
-
-    void recordInput(const std::optional<InputTextPresentation>& presentation) {
+    void refresh() override { record("refresh"); }
+    void refreshApp() override { record("refreshApp"); }
+    void promptInput(const std::optional<InputTextPresentation>& presentation) override {
         if (!presentation)
             return record("dismissInput");
         record("input",
             {{"measure", presentation->measureName}, {"frame", rectJSON(presentation->frame)},
                 {"default", presentation->defaultValue}, {"password", presentation->isPassword}});
+    }
+
+    void record(std::string_view kind, const JSON& members = JSON::object()) {
+        JSON request{{"kind", kind}};
+        request.update(members);
+        requests_.push_back(std::move(request));
     }
 
     HeadlessSkin& skin_;

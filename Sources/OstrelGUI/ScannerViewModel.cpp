@@ -6,6 +6,8 @@
 #include "OstrelCore/Packages/SkinPathResolver.h"
 #include "OstrelCore/Report/CompatReportFormatter.h"
 #include "OstrelCore/Report/CompatScanner.h"
+#include "OstrelDialect/PackReader.h"
+#include "OstrelDialect/PackReport.h"
 #include "OstrelGUI/ScanWorkers.h"
 #include "OstrelPlatform/MainQueue.h"
 
@@ -228,6 +230,20 @@ void ScannerViewModel::remove(std::span<const std::size_t> offsets) {
     shared_->notify({.list = true, .selection = isSelectionGone});
 }
 
+std::optional<ScannerViewModel::FullScan> ScannerViewModel::performFullScan(const std::string& path) {
+    const auto skin = readPackSkin(path);
+    if (!skin)
+        return std::nullopt;
+    auto report = reportOf(*skin);
+    auto text = CompatReportFormatter::formatText(report);
+    auto json = CompatReportFormatter::formatJSON(report);
+    return FullScan{.root = skin->folders.root,
+        .beyondBase = thingsBeyondBase(*skin),
+        .report = std::move(report),
+        .formattedText = std::move(text),
+        .formattedJSON = std::move(json)};
+}
+
 ScannerViewModel::ScanState ScannerViewModel::performScan(const std::string& path) {
     DiskFileProvider files;
     DiagnosticCollector diagnostics;
@@ -241,7 +257,8 @@ ScannerViewModel::ScanState ScannerViewModel::performScan(const std::string& pat
     return std::make_shared<const ScanSuccess>(ScanSuccess{.report = std::move(report),
         .diagnostics = diagnostics.diagnostics(),
         .formattedText = std::move(text),
-        .formattedJSON = std::move(json)});
+        .formattedJSON = std::move(json),
+        .full = performFullScan(path)});
 }
 
 } // namespace Ostrel

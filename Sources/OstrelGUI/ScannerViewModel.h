@@ -20,11 +20,22 @@ class MainQueue;
 /// gone is dropped. Main thread.
 class ScannerViewModel {
 public:
+    /// The skin as the full dialect sees it.
+    struct FullScan {
+        /// Of its pack.
+        std::string root;
+        /// What it uses that the base dialect does not have, in words.
+        std::vector<std::string> beyondBase;
+        CompatReport report;
+        std::string formattedText;
+        std::string formattedJSON;
+    };
     struct ScanSuccess {
         CompatReport report;
         std::vector<Diagnostic> diagnostics;
         std::string formattedText;
         std::string formattedJSON;
+        std::optional<FullScan> full = std::nullopt;
     };
     struct ScanFailure {
         std::string message;
@@ -79,6 +90,8 @@ public:
     static ScanState performScan(const std::string& path);
 
 private:
+    static std::optional<FullScan> performFullScan(const std::string& path);
+
     struct Shared;
     std::shared_ptr<Shared> shared_;
 };

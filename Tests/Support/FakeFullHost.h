@@ -17,7 +17,7 @@
 namespace Ostrel {
 
 /// The measures of one skin of the full dialect, which does what a test says.
-class FakeFullHost : public FullMeasureHost, public MeasuresOwner {
+class FakeFullHost : public FullMeasureHost {
 public:
     using Pairs = std::initializer_list<std::pair<std::string_view, std::string>>;
 

@@ -5,6 +5,7 @@
 #include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Runtime/SkinRuntime.h"
 #include "Support/FakePlatform.h"
+#include "Support/FakeSkinHost.h"
 
 #include <memory>
 #include <string>
@@ -20,8 +21,8 @@ public:
         files.addFile(path, std::move(text));
         DiagnosticCollector diagnostics;
         runtime = SkinRuntime::create(SkinLoader(files, diagnostics).load(path).value(),
-            Platform{time, time, fakes.host, fakes.fonts, fakes.network});
-        runtime->onUpdate = [this](const std::vector<Drawable>& drawables) {
+            Platform{time, time, fakes.host, fakes.fonts, fakes.network}, host);
+        host.onPublish = [this](const std::vector<Drawable>& drawables) {
             ++published;
             shown.clear();
             for (const auto& drawable : drawables)
@@ -54,8 +55,9 @@ public:
 
     FakePlatform fakes;
     VirtualTime& time = fakes.queue;
+    FakeSkinHost host;
     std::shared_ptr<SkinRuntime> runtime;
-    /// Calls of `onUpdate` so far, and the meters of the last one.
+    /// Publications so far, and the meters of the last one.
     int published = 0;
     std::vector<std::string> shown;
 };

@@ -14,7 +14,7 @@
 #include "OstrelEngine/Runtime/MeterTable.h"
 #include "OstrelEngine/Runtime/Publication.h"
 #include "OstrelEngine/Runtime/RuntimeExpressions.h"
-#include "OstrelEngine/Runtime/SkinCallbacks.h"
+#include "OstrelEngine/Runtime/SkinHost.h"
 #include "OstrelPlatform/Workspace.h"
 
 namespace Ostrel {
@@ -39,18 +39,13 @@ void unpause(MeasureControlState& state) {
     state.paused = false;
 }
 
-template <typename Callback, typename... Arguments> void call(const Callback& callback, const Arguments&... arguments) {
-    if (callback)
-        callback(arguments...);
-}
-
 } // namespace
 
-BangOperations::BangOperations(const SkinParts& parts, const SkinCallbacks& callbacks, LiveOptions& options,
-    GroupIndex& groups, MeasureActions& measureActions)
+BangOperations::BangOperations(
+    const SkinParts& parts, SkinHost& host, LiveOptions& options, GroupIndex& groups, MeasureActions& measureActions)
     : parts_(parts)
     , targets_(parts.skinPath, parts.variables)
-    , callbacks_(callbacks)
+    , host_(host)
     , options_(options)
     , groups_(groups)
     , measureActions_(measureActions) { }
@@ -123,12 +118,12 @@ std::optional<bool> BangOperations::perform(const ActionStep& step) {
         break;
     case Bang::refresh:
         if (!words.empty() && words[0] == "*")
-            requestRefreshApp();
+            host_.refreshApp();
         else
-            requestRefreshCurrent();
+            host_.refresh();
         break;
     case Bang::refreshApp:
-        requestRefreshApp();
+        host_.refreshApp();
         break;
     case Bang::redraw:
     case Bang::ignore:
@@ -153,14 +148,14 @@ std::string BangOperations::resolveConfigPath(const ActionStep& step) const {
 }
 
 void BangOperations::deactivateConfig(const ActionStep& step) {
-    if (!step.words.empty() && callbacks_.onDeactivateConfigRequest)
-        callbacks_.onDeactivateConfigRequest(resolveConfigPath(step));
+    if (step.words.empty())
+        host_.deactivate();
     else
-        call(callbacks_.onDeactivateRequest);
+        host_.deactivateConfig(resolveConfigPath(step));
 }
 
 void BangOperations::activateConfig(const ActionStep& step, bool toggle) {
-    call(callbacks_.onActivateConfigRequest, resolveConfigPath(step), toggle);
+    host_.activateConfig(resolveConfigPath(step), toggle);
 }
 
 void BangOperations::commandMeasure(std::string_view arguments) {
@@ -223,22 +218,8 @@ bool BangOperations::setVariable(const ActionStep& step) {
     return true;
 }
 
-void BangOperations::requestRefreshCurrent() {
-    if (callbacks_.onRefreshRequest)
-        callbacks_.onRefreshRequest();
-    else
-        publishNow();
-}
-
-void BangOperations::requestRefreshApp() {
-    if (callbacks_.onRefreshAppRequest)
-        callbacks_.onRefreshAppRequest();
-    else
-        requestRefreshCurrent();
-}
-
 void BangOperations::publishNow() {
-    parts_.publication.publishDrawables(Publication::Force::Yes, callbacks_.onUpdate);
+    parts_.publication.publishDrawables(Publication::Force::Yes);
 }
 
 bool BangOperations::openExternalTarget(std::string_view text) {

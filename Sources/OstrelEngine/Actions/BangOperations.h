@@ -12,15 +12,15 @@ namespace Ostrel {
 class GroupIndex;
 class LiveOptions;
 class MeasureActions;
+class SkinHost;
 struct ActionStep;
 struct MeasureControlState;
-struct SkinCallbacks;
 
 /// What each bang does to a running skin.
 class BangOperations {
 public:
     /// All must outlive this.
-    BangOperations(const SkinParts& parts, const SkinCallbacks& callbacks, LiveOptions& options, GroupIndex& groups,
+    BangOperations(const SkinParts& parts, SkinHost& host, LiveOptions& options, GroupIndex& groups,
         MeasureActions& measureActions);
 
     /// Whether the bang's operation changed or achieved something; absent when it needs more words than there are.
@@ -43,8 +43,6 @@ private:
     template <typename Change> void controlGroup(std::string_view group, Change change);
     bool writeKeyValue(const ActionStep& step);
     bool setVariable(const ActionStep& step);
-    void requestRefreshCurrent();
-    void requestRefreshApp();
 
     std::string resolveConfigPath(const ActionStep& step) const;
     /// Variables and meter coordinates replaced, and arithmetic done.
@@ -52,7 +50,7 @@ private:
 
     SkinParts parts_;
     SkinFileTargets targets_;
-    const SkinCallbacks& callbacks_;
+    SkinHost& host_;
     LiveOptions& options_;
     GroupIndex& groups_;
     MeasureActions& measureActions_;

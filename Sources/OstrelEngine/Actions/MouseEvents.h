@@ -5,6 +5,14 @@
 // What the pointer does over a widget, in widget coordinates.
 namespace Ostrel {
 
+enum class PointerButton { left, right, middle, x1, x2 };
+
+struct PointerPress {
+    PointerButton button = PointerButton::left;
+    /// The second of two quick presses of a button.
+    bool isDouble = false;
+};
+
 enum class MouseEventKind { leftDown, leftDrag, leftUp, scrollUp, scrollDown };
 
 /// Where a scroll event stands in a gesture on a touch surface; `none` for a notched wheel and for surfaces that do not
@@ -21,6 +29,8 @@ struct ScrollEvent {
     /// Of the movement that goes on when the fingers have left the surface.
     ScrollPhase momentum = ScrollPhase::none;
     bool isCommandHeld = false;
+    /// Whether up means down while the command key is held.
+    bool isCommandReversed = false;
     /// When it happened.
     double uptimeSeconds = 0;
 };

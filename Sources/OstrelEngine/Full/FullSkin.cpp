@@ -54,9 +54,8 @@ LiveSection::Actions actionsOf(const PackSection& section) {
 std::shared_ptr<FullSkin> FullSkin::create(
     PackSkin skin, const Platform& platform, FullSkinHost& host, std::int64_t cycles) {
     const std::shared_ptr<FullSkin> created(new FullSkin(std::move(skin), platform, host, cycles));
-    // Once it is owned, since measures hold it weakly.
     for (const auto& measure : created->measures_.all())
-        measure->resolveMeasureReferences(created->weak_from_this());
+        measure->resolveReferences();
     return created;
 }
 

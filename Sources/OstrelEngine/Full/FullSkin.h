@@ -65,7 +65,6 @@ public:
     WidgetRuntimeState snapshotState() const override { return {}; }
     void applyState(const WidgetRuntimeState&) override { }
     bool executeActionString(std::string_view action) override;
-    bool handleMouseEvent(MouseEventKind, Point, std::optional<std::string_view>) override { return false; }
     void submitInputText(std::string_view measureName, std::string_view value) override;
     void dismissInputText(std::string_view measureName) override;
 

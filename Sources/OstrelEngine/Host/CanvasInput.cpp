@@ -1,209 +1,66 @@
 #include "OstrelEngine/Host/CanvasInput.h"
 
-#include "OstrelCore/Text/Numbers.h"
-#include "OstrelCore/Text/Text.h"
-#include "OstrelEngine/Actions/MouseVariables.h"
-#include "OstrelEngine/Runtime/BracketReferences.h"
-
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <ranges>
 #include <utility>
 
 namespace Ostrel {
 
-namespace {
-
-constexpr double SmallestScroll = 0.0001;
-/// Of a surface that tells no phases: what comes later than this is a gesture of its own.
-constexpr double CommandScrollPauseSeconds = 0.25;
-
-std::string nameOf(const Drawable& drawable) {
-    return drawable.meter->name();
-}
-
-bool hasLeftMouseAction(const Drawable& drawable) {
-    static constexpr std::array Keys{"LeftMouseDownAction"_key, "LeftMouseDragAction"_key, "LeftMouseUpAction"_key};
-    return std::ranges::any_of(Keys,
-        [&](const CaseKey& key) { return !trimmed(option(drawable.meter->options(), key).value_or("")).empty(); });
-}
-
-} // namespace
-
-const Drawable* CanvasInput::topmostDrawable(Point point) const {
-    for (const auto& drawable : drawables_ | std::views::reverse) {
-        const Rect rect = drawable.meter->interactionRect(drawable.values);
-        if (!rect.isEmpty() && rect.contains(point))
-            return &drawable;
-    }
-    return nullptr;
-}
-
-std::optional<std::string> CanvasInput::topmostName(Point point) const {
-    const auto* hit = topmostDrawable(point);
-    return hit ? std::optional(nameOf(*hit)) : std::nullopt;
-}
-
-const Drawable* CanvasInput::drawable(const std::optional<std::string>& name) const {
-    if (!name)
-        return nullptr;
-    const auto found = std::ranges::find_if(
-        drawables_, [&](const Drawable& candidate) { return equalsIgnoringCase(candidate.meter->name(), *name); });
-    return found == drawables_.end() ? nullptr : &*found;
-}
-
-const Drawable* CanvasInput::drawableOfExactName(std::string_view name) const {
-    const auto found
-        = std::ranges::find_if(drawables_, [&](const Drawable& candidate) { return candidate.meter->name() == name; });
-    return found == drawables_.end() ? nullptr : &*found;
+void CanvasInput::connect(std::unique_ptr<PointerRules> rules, std::weak_ptr<InputAnswers> answers) {
+    rules_ = std::move(rules);
+    answers_ = std::move(answers);
 }
 
 void CanvasInput::mouseMoved(Point point) {
-    auto name = topmostName(point);
-    if (name == hoveredMeterName_)
-        return;
-    if (hoveredMeterName_)
-        runHoverAction(drawableOfExactName(*hoveredMeterName_), "MouseLeaveAction"_key);
-    hoveredMeterName_ = std::move(name);
-    const auto* entered = hoveredMeterName_ ? drawableOfExactName(*hoveredMeterName_) : nullptr;
-    if (!entered || !entered->meter->options().find("MouseOverAction"_key))
-        return;
-    runHoverAction(entered, "MouseOverAction"_key);
-    // The action may have shown or hidden meters: what lies here now is not entered at the next move.
-    if (auto now = topmostName(point))
-        hoveredMeterName_ = std::move(now);
+    if (rules_)
+        rules_->mouseMoved(point);
 }
 
 void CanvasInput::mouseExited() {
-    const auto left = std::exchange(hoveredMeterName_, std::nullopt);
-    if (left)
-        runHoverAction(drawableOfExactName(*left), "MouseLeaveAction"_key);
+    if (rules_)
+        rules_->mouseExited();
 }
 
-/// As it stands: hover actions have no mouse variables.
-void CanvasInput::runHoverAction(const Drawable* drawable, const CaseKey& key) {
-    const auto* text = drawable ? drawable->meter->options().find(key) : nullptr;
-    // A copy, since the action may change the option.
-    if (text && onAction)
-        onAction(std::string(*text));
-}
-
-CanvasInput::Press CanvasInput::mouseDown(Point point) {
-    if (activeInput_ && activeInput_->frame.contains(point))
-        return Press::field;
-    if (activeInput_ && activeInput_->focusDismiss) {
-        dismissActiveInputByUser();
-        return Press::field;
+Press CanvasInput::mouseDown(Point point, const PointerPress& press) {
+    if (press.button == PointerButton::left && activeInput_) {
+        if (activeInput_->frame.contains(point))
+            return Press::field;
+        if (activeInput_->focusDismiss) {
+            dismissActiveInputByUser();
+            return Press::field;
+        }
     }
-    const auto* hit = topmostDrawable(point);
-    const auto press = hit && hasLeftMouseAction(*hit) ? Press::meter : Press::background;
-    const auto name = hit ? std::optional(nameOf(*hit)) : std::nullopt;
-    activeDragMeterName_ = name;
-    runMouseAction(hit, "LeftMouseDownAction"_key, point);
-    sendMouseEvent(MouseEventKind::leftDown, point, name);
-    return press;
+    return rules_ ? rules_->mouseDown(point, press) : Press::background;
 }
 
 void CanvasInput::mouseDragged(Point point) {
-    const auto name = activeDragMeterName_ ? activeDragMeterName_ : topmostName(point);
-    runMouseAction(drawable(name), "LeftMouseDragAction"_key, point);
-    sendMouseEvent(MouseEventKind::leftDrag, point, name);
+    if (rules_)
+        rules_->mouseDragged(point);
 }
 
-void CanvasInput::mouseUp(Point point) {
-    const auto name = activeDragMeterName_ ? activeDragMeterName_ : topmostName(point);
-    // Before the meter's action, unlike a press and a drag.
-    sendMouseEvent(MouseEventKind::leftUp, point, name);
-    if (!runMouseAction(drawable(name), "LeftMouseUpAction"_key, point))
-        runMouseAction(topmostDrawable(point), "LeftMouseUpAction"_key, point);
-    activeDragMeterName_.reset();
-}
-
-bool CanvasInput::runMouseAction(const Drawable* drawable, const CaseKey& key, Point point) {
-    const auto* text = drawable ? drawable->meter->options().find(key) : nullptr;
-    if (!text)
-        return false;
-    if (onAction)
-        onAction(resolveMouseVariables(*text, point, *drawable->meter));
-    return true;
-}
-
-void CanvasInput::sendMouseEvent(MouseEventKind kind, Point point, const std::optional<std::string>& meterName) const {
-    if (onMouseEvent)
-        onMouseEvent(kind, point, meterName);
-}
-
-std::string CanvasInput::resolveMouseVariables(std::string_view text, Point point, const MeterRenderer& meter) const {
-    // Counted in the frame, which for a text that is aligned to the right begins at its anchor.
-    return resolveMeterCoordinateReferences(
-        MouseVariables::substitute(text, point, meter.frame().rect(), MouseVariables::Decimals::none));
-}
-
-std::string CanvasInput::resolveMeterCoordinateReferences(std::string_view text) const {
-    return BracketReferences::substituteCoordinates(text, [this](std::string_view name, char property) -> std::string {
-        const auto* found = drawable(std::string(name));
-        if (!found)
-            return "0";
-        const auto& frame = found->meter->frame();
-        const auto index = std::string_view("XYWH").find(property);
-        const std::array values{frame.x, frame.y, frame.w, frame.h};
-        return formatFixed(index < values.size() ? values[index] : 0, 4);
-    });
+void CanvasInput::mouseUp(Point point, PointerButton button) {
+    if (rules_)
+        rules_->mouseUp(point, button);
 }
 
 bool CanvasInput::scrollWheel(const ScrollEvent& event) {
-    if (event.isCommandHeld) {
-        commandScroll(event);
-        return true;
-    }
-    if (!(std::abs(event.delta) > SmallestScroll))
-        return false;
-    const bool isUp = event.delta > 0;
-    const auto* hit = topmostDrawable(event.point);
-    const auto name = hit ? std::optional(nameOf(*hit)) : std::nullopt;
-    const bool acted = runMouseAction(hit, isUp ? "MouseScrollUpAction"_key : "MouseScrollDownAction"_key, event.point);
-    sendMouseEvent(isUp ? MouseEventKind::scrollUp : MouseEventKind::scrollDown, event.point, name);
-    return acted;
+    return rules_ && rules_->scrollWheel(event);
 }
 
-void CanvasInput::commandScroll(const ScrollEvent& event) {
-    if (!shouldTriggerCommandScroll(event) || !(std::abs(event.delta) > SmallestScroll))
+void CanvasInput::promptInput(const std::optional<InputTextPresentation>& presentation) {
+    clearActiveInput();
+    if (!presentation)
         return;
-    const bool isReversed = isCommandScrollReversed && isCommandScrollReversed();
-    lastCommandScrollTriggerTime_ = event.uptimeSeconds;
-    if (onCommandScroll)
-        onCommandScroll(
-            (event.delta > 0) != isReversed ? WidgetCommandScrollDirection::up : WidgetCommandScrollDirection::down);
-}
-
-/// One gesture on a touch surface is one step; a wheel steps at every notch.
-bool CanvasInput::shouldTriggerCommandScroll(const ScrollEvent& event) const {
-    if (!event.isPrecise)
-        return true;
-    if (event.momentum != ScrollPhase::none)
-        return false;
-    if (event.phase == ScrollPhase::none)
-        return event.uptimeSeconds - lastCommandScrollTriggerTime_ >= CommandScrollPauseSeconds;
-    return event.phase == ScrollPhase::began || event.phase == ScrollPhase::mayBegin;
-}
-
-void CanvasInput::presentInput(const InputTextPresentation& presentation) {
-    clearActiveInput();
     activeInput_ = presentation;
-    if (onFieldChange)
-        onFieldChange(activeInput_);
-}
-
-void CanvasInput::dismissInput() {
-    clearActiveInput();
+    showField();
 }
 
 void CanvasInput::clearActiveInput() {
-    if (!std::exchange(activeInput_, std::nullopt))
-        return;
-    if (onFieldChange)
-        onFieldChange(std::nullopt);
+    if (std::exchange(activeInput_, std::nullopt))
+        showField();
+}
+
+void CanvasInput::showField() {
+    if (fieldView_)
+        fieldView_->showField(activeInput_);
 }
 
 void CanvasInput::submitActiveInput(const std::string& value) {
@@ -211,8 +68,8 @@ void CanvasInput::submitActiveInput(const std::string& value) {
         return;
     const auto measure = activeInput_->measureName;
     clearActiveInput();
-    if (onInputSubmit)
-        onInputSubmit(measure, value);
+    if (const auto answers = answers_.lock())
+        answers->submitInputText(measure, value);
     isCompletingInput_ = false;
 }
 
@@ -221,8 +78,8 @@ void CanvasInput::dismissActiveInputByUser() {
         return;
     const auto measure = activeInput_->measureName;
     clearActiveInput();
-    if (onInputDismiss)
-        onInputDismiss(measure);
+    if (const auto answers = answers_.lock())
+        answers->dismissInputText(measure);
     isCompletingInput_ = false;
 }
 

@@ -1,88 +1,57 @@
 #pragma once
 
-#include "OstrelEngine/Actions/MouseEvents.h"
+#include "OstrelEngine/Actions/PointerRules.h"
 #include "OstrelEngine/Measures/InputTextPresentation.h"
-#include "OstrelEngine/Meters/MeterProtocol.h"
 
-#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace Ostrel {
 
-/// Turns what the pointer and the input field do into a skin's actions: which meter is meant, which of its options
-/// acts, what the mouse variables in it say. Knows no window and no toolkit. Main thread.
+/// Where the input field is to be seen.
+class InputFieldView {
+public:
+    virtual ~InputFieldView() = default;
+    /// The field that is to be seen from now on; absent for none.
+    virtual void showField(const std::optional<InputTextPresentation>& presentation) = 0;
+};
+
+/// What the user does to a widget: the open input field comes first, and the rest goes by the pointer rules of the
+/// skin. Knows no window and no toolkit. Main thread.
 class CanvasInput {
 public:
-    /// The canvas's own drawables, which change with every publication, also in the middle of a call.
-    explicit CanvasInput(const std::vector<Drawable>& drawables)
-        : drawables_(drawables) { }
-
-    /// The topmost drawable whose interaction rectangle holds the point; null when there is none.
-    const Drawable* topmostDrawable(Point point) const;
+    /// Until then the pointer does nothing. The answers of the field go to `answers` while it lives.
+    void connect(std::unique_ptr<PointerRules> rules, std::weak_ptr<InputAnswers> answers);
+    /// The view outlives this, or takes itself away by null.
+    void setFieldView(InputFieldView* view) { fieldView_ = view; }
 
     void mouseMoved(Point point);
     void mouseExited();
-
-    enum class Press {
-        /// Nothing here has an action for the left button, so that the press may move the widget.
-        background,
-        /// On a meter with actions of its own for the left button.
-        meter,
-        /// Inside the input field, which alone gets it, or outside and spent on closing it.
-        field,
-    };
-    Press mouseDown(Point point);
+    Press mouseDown(Point point, const PointerPress& press = {});
     void mouseDragged(Point point);
-    void mouseUp(Point point);
+    void mouseUp(Point point, PointerButton button = PointerButton::left);
     /// False when nothing here had an action for it.
     bool scrollWheel(const ScrollEvent& event);
 
-    /// Shows the field, in place of one that is open.
-    void presentInput(const InputTextPresentation& presentation);
-    /// Closes the field and tells nobody.
-    void dismissInput();
+    /// Shows the field, in place of one that is open; absent closes it and tells nobody.
+    void promptInput(const std::optional<InputTextPresentation>& presentation);
     /// The open field, if any.
     const std::optional<InputTextPresentation>& activeInput() const { return activeInput_; }
     /// Return and Escape in the field.
     void submitActiveInput(const std::string& value);
     void dismissActiveInputByUser();
 
-    /// Each may be empty.
-    std::function<void(const std::string& action)> onAction;
-    std::function<void(MouseEventKind, Point, const std::optional<std::string>& meterName)> onMouseEvent;
-    std::function<void(const std::string& measureName, const std::string& value)> onInputSubmit;
-    std::function<void(const std::string& measureName)> onInputDismiss;
-    std::function<void(WidgetCommandScrollDirection)> onCommandScroll;
-    /// The field that is to be seen from now on; absent for none.
-    std::function<void(const std::optional<InputTextPresentation>&)> onFieldChange;
-    /// Whether command-scrolling up means down. Never, when it is empty.
-    std::function<bool()> isCommandScrollReversed;
-
 private:
-    const Drawable* drawable(const std::optional<std::string>& name) const;
-    const Drawable* drawableOfExactName(std::string_view name) const;
-    std::optional<std::string> topmostName(Point point) const;
-    void runHoverAction(const Drawable* drawable, const CaseKey& key);
-    /// True when the meter has the option.
-    bool runMouseAction(const Drawable* drawable, const CaseKey& key, Point point);
-    std::string resolveMouseVariables(std::string_view text, Point point, const MeterRenderer& meter) const;
-    std::string resolveMeterCoordinateReferences(std::string_view text) const;
-    void sendMouseEvent(MouseEventKind kind, Point point, const std::optional<std::string>& meterName) const;
-    void commandScroll(const ScrollEvent& event);
-    bool shouldTriggerCommandScroll(const ScrollEvent& event) const;
     void clearActiveInput();
+    void showField();
 
-    const std::vector<Drawable>& drawables_;
-    /// The meter that the current left press began on.
-    std::optional<std::string> activeDragMeterName_;
-    std::optional<std::string> hoveredMeterName_;
+    std::unique_ptr<PointerRules> rules_;
+    std::weak_ptr<InputAnswers> answers_;
+    InputFieldView* fieldView_ = nullptr;
     std::optional<InputTextPresentation> activeInput_;
     /// Closing a field can make a toolkit report its end once more.
     bool isCompletingInput_ = false;
-    double lastCommandScrollTriggerTime_ = 0;
 };
 
 } // namespace Ostrel

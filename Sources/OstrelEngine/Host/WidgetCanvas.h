@@ -61,7 +61,7 @@ private:
     Size size_;
     CanvasBackground background_;
     std::vector<Drawable> drawables_;
-    CanvasInput input_{drawables_};
+    CanvasInput input_;
     /// One for each of the drawables.
     std::vector<Appearance> appearances_;
     CanvasDamage damage_;

@@ -4,15 +4,16 @@
 #include "OstrelCore/Documents/SkinLoader.h"
 #include "OstrelCore/Files/Paths.h"
 #include "OstrelEngine/Host/BackgroundOptions.h"
-#include "OstrelEngine/Host/CanvasWiring.h"
 #include "OstrelEngine/Host/PanelPlacement.h"
 #include "OstrelEngine/Host/PreviewPicture.h"
 #include "OstrelEngine/Host/WidgetCanvasView.h"
 #include "OstrelEngine/Host/WidgetPanel.h"
-#include "OstrelEngine/Runtime/SkinRuntime.h"
+#include "OstrelEngine/Runtime/Skin.h"
+#include "OstrelEngine/Runtime/SkinFactory.h"
 #include "OstrelPlatform/MainQueue.h"
 #include "OstrelPlatform/Platform.h"
 
+#include <utility>
 #include <vector>
 
 namespace Ostrel {
@@ -28,17 +29,22 @@ QString titleOf(const SkinConfig& config) {
 } // namespace
 
 struct WidgetController::Window {
-    Window(Size size, Point origin, CanvasBackground background, DesktopPanels& desktop)
-        : view(std::move(background))
-        , panel(size, origin, view, desktop) { }
+    Window(std::shared_ptr<Skin> shown, Point origin, DesktopPanels& desktop, WidgetPanelClient& client)
+        : skin(std::move(shown))
+        , view(backgroundOf(skin->config()))
+        , panel(skin->widgetSize(), origin, view, desktop, client) {
+        panel.setTitle(titleOf(skin->config()));
+        view.input().connect(skin->makePointerRules(view.canvas().drawables()), skin);
+    }
 
-    void show(const std::vector<Drawable>& drawables, Size widgetSize) {
+    void show(const std::vector<Drawable>& drawables) {
         view.setDrawables(drawables);
-        if (PanelPlacement::shouldResizeWindow(panel.widgetSize(), widgetSize))
-            panel.setWidgetSize(widgetSize);
+        if (PanelPlacement::shouldResizeWindow(panel.widgetSize(), skin->widgetSize()))
+            panel.setWidgetSize(skin->widgetSize());
         view.display();
     }
 
+    std::shared_ptr<Skin> skin;
     WidgetCanvasView view;
     WidgetPanel panel;
 };
@@ -53,96 +59,101 @@ WidgetController::~WidgetController() {
 }
 
 std::optional<Point> WidgetController::windowOrigin() const {
-    return window_ ? std::optional(window_->panel.origin()) : std::nullopt;
+    return skin_ ? std::optional(window_->panel.origin()) : std::nullopt;
 }
 
 std::optional<WidgetRuntimeState> WidgetController::snapshotRuntimeState() const {
-    return runtime_ ? std::optional(runtime_->snapshotState()) : std::nullopt;
+    return skin_ ? std::optional(skin_->snapshotState()) : std::nullopt;
 }
 
 bool WidgetController::isFrozen() const {
-    return window_ && !window_->panel.isMovableByBackground();
+    return skin_ && !window_->panel.isMovableByBackground();
 }
 
 std::optional<std::string> WidgetController::snapshotPreviewData(double maxDimension) const {
-    if (!window_ || !window_->view.picture())
+    if (!skin_ || !window_->view.picture())
         return std::nullopt;
     return previewPNG(*window_->view.picture(), window_->view.canvas().size(), maxDimension);
 }
 
 void WidgetController::start(std::optional<Point> origin, const std::optional<WidgetRuntimeState>& state) {
-    if (runtime_)
+    if (skin_)
         return;
-    const auto runtime = SkinRuntime::create(config_, platform_);
+    const auto skin = makeSkin(config_, platform_, *this);
     if (state)
-        runtime->applyState(*state);
-    const Size size = runtime->widgetSize();
+        skin->applyState(*state);
     if (!origin)
-        origin = chooseOrigin ? chooseOrigin(size) : DefaultOrigin;
-    const auto window = std::make_shared<Window>(size, *origin, backgroundOf(config_), desktop_);
-    runtime->onUpdate = [weakWindow = std::weak_ptr(window), owner = runtime.get()](const auto& drawables) {
-        if (const auto shown = weakWindow.lock())
-            shown->show(drawables, owner->widgetSize());
-    };
-    connectRequests(*runtime);
-    connectInput(runtime, window);
-    window->panel.setTitle(titleOf(config_));
-
-    runtime->start();
-    window->panel.pinToDesktopLayer();
-    // Only now: a skin whose first tick asks for a stop or a refresh is not running yet.
-    runtime_ = runtime;
-    window_ = window;
-    window_->panel.onMoved = [this](Point moved) {
-        if (onWindowMoved)
-            onWindowMoved(moved);
-    };
+        origin = chooseOrigin ? chooseOrigin(skin->widgetSize()) : DefaultOrigin;
+    WidgetPanelClient& client = *this;
+    window_ = std::make_unique<Window>(skin, *origin, desktop_, client);
+    skin->start();
+    window_->panel.pinToDesktopLayer();
+    skin_ = skin;
 }
 
-/// A skin asks in the middle of its own work, and most of what it asks for is its end.
-void WidgetController::connectRequests(SkinRuntime& runtime) {
-    runtime.onDeactivateRequest = [this] { post([this] { stop(); }); };
-    runtime.onRefreshRequest = [this] { post([this] { reload(); }); };
-    runtime.onRefreshAppRequest = [this] { post([this] { refreshApp(); }); };
-    runtime.onActivateConfigRequest = [this](const std::string& path, bool toggle) {
-        post([this, path, toggle] {
-            if (onActivateConfigRequest)
-                onActivateConfigRequest(path, toggle);
-        });
-    };
-    runtime.onDeactivateConfigRequest = [this](const std::string& path) {
-        post([this, path] {
-            if (onDeactivateConfigRequest)
-                onDeactivateConfigRequest(path);
-        });
-    };
-    runtime.onStateDidChange = [this](const WidgetRuntimeState& state) {
-        if (onStateDidChange)
-            onStateDidChange(state);
-    };
+void WidgetController::skinDidPublish(const std::vector<Drawable>& drawables) {
+    if (window_)
+        window_->show(drawables);
 }
 
-void WidgetController::connectInput(
-    const std::shared_ptr<SkinRuntime>& runtime, const std::shared_ptr<Window>& window) {
-    auto& input = window->view.input();
-    connectCanvas(input, runtime, platform_.hostStatistics);
-    input.isCommandScrollReversed = [this] { return isCommandScrollReversed && isCommandScrollReversed(); };
-    runtime->onInputTextPrompt = [weakWindow = std::weak_ptr(window)](const auto& presentation) {
-        const auto shown = weakWindow.lock();
-        if (shown && presentation)
-            shown->view.input().presentInput(*presentation);
-        else if (shown)
-            shown->view.input().dismissInput();
-    };
-    // The menu is still at work, and a stop takes it away with its panel.
-    window->panel.onContextAction = [this](WidgetContextAction action) {
-        post([this, action] {
-            if (action == WidgetContextAction::toggleFreeze)
-                toggleFreeze();
-            else
-                stop();
-        });
-    };
+void WidgetController::deactivate() {
+    post([this] { stop(); });
+}
+
+void WidgetController::deactivateConfig(const std::string& path) {
+    post([this, path] {
+        if (onDeactivateConfigRequest)
+            onDeactivateConfigRequest(path);
+    });
+}
+
+void WidgetController::activateConfig(const std::string& path, bool toggle) {
+    post([this, path, toggle] {
+        if (onActivateConfigRequest)
+            onActivateConfigRequest(path, toggle);
+    });
+}
+
+void WidgetController::refresh() {
+    post([this] { reload(); });
+}
+
+void WidgetController::refreshApp() {
+    post([this] {
+        if (onRefreshAppRequest)
+            onRefreshAppRequest();
+        else
+            reload();
+    });
+}
+
+void WidgetController::promptInput(const std::optional<InputTextPresentation>& presentation) {
+    if (window_)
+        window_->view.input().promptInput(presentation);
+}
+
+void WidgetController::stateDidChange(const WidgetRuntimeState& state) {
+    if (onStateDidChange)
+        onStateDidChange(state);
+}
+
+void WidgetController::panelDidMove(Point origin) {
+    if (skin_ && onWindowMoved)
+        onWindowMoved(origin);
+}
+
+void WidgetController::contextActionChosen(WidgetContextAction action) {
+    // A stop takes the menu away with its panel.
+    post([this, action] {
+        if (action == WidgetContextAction::toggleFreeze)
+            toggleFreeze();
+        else
+            stop();
+    });
+}
+
+bool WidgetController::isCommandScrollReversed() const {
+    return isScrollReversed && isScrollReversed();
 }
 
 void WidgetController::post(std::function<void()> work) {
@@ -152,22 +163,15 @@ void WidgetController::post(std::function<void()> work) {
     });
 }
 
-void WidgetController::refreshApp() {
-    if (onRefreshAppRequest)
-        onRefreshAppRequest();
-    else
-        reload();
-}
-
 void WidgetController::stop() {
     stop(NotifyManager::Yes);
 }
 
 void WidgetController::stop(NotifyManager notify) {
-    if (runtime_)
-        runtime_->stop();
+    if (skin_)
+        skin_->stop();
+    const auto skin = std::exchange(skin_, nullptr);
     window_.reset();
-    runtime_.reset();
     if (notify == NotifyManager::Yes && onStop)
         onStop(*this);
 }
@@ -183,7 +187,7 @@ void WidgetController::reload() {
 }
 
 void WidgetController::toggleFreeze() {
-    if (window_)
+    if (skin_)
         window_->panel.setMovableByBackground(isFrozen());
 }
 

@@ -2,6 +2,8 @@
 
 #include "OstrelCore/Documents/SkinModel.h"
 #include "OstrelEngine/Geometry.h"
+#include "OstrelEngine/Host/WidgetPanel.h"
+#include "OstrelEngine/Runtime/SkinHost.h"
 #include "OstrelEngine/Runtime/WidgetRuntimeState.h"
 
 #include <functional>
@@ -12,24 +14,24 @@
 namespace Ostrel {
 
 class DesktopPanels;
-class SkinRuntime;
+class Skin;
 struct Platform;
 
 /// The life of one widget: its skin's runtime, the panel it shows in and what goes on between the two. May be started
 /// again after a stop. Main thread.
-class WidgetController {
+class WidgetController final : private SkinHost, private WidgetPanelClient {
 public:
     /// Where a widget opens that nobody has placed.
     static constexpr Point DefaultOrigin{100, 100};
 
     /// The platform and the desktop outlive the controller.
     WidgetController(SkinConfig config, const Platform& platform, DesktopPanels& desktop);
-    ~WidgetController();
+    ~WidgetController() override;
     WidgetController(const WidgetController&) = delete;
     WidgetController& operator=(const WidgetController&) = delete;
 
     const SkinConfig& config() const { return config_; }
-    bool isRunning() const { return runtime_ != nullptr; }
+    bool isRunning() const { return skin_ != nullptr; }
     /// Bottom left corner, y upward, relative to the primary screen; absent while stopped.
     std::optional<Point> windowOrigin() const;
     /// Absent while stopped.
@@ -58,7 +60,7 @@ public:
     std::function<void(const WidgetRuntimeState&)> onStateDidChange;
 
     /// Whether command-scrolling up means down; never, when it is empty.
-    std::function<bool()> isCommandScrollReversed;
+    std::function<bool()> isScrollReversed;
 
     // What the skin asks for beyond itself; always from the main queue.
     /// Load all skins anew; without it, this one.
@@ -71,18 +73,32 @@ private:
     enum class NotifyManager { No, Yes };
 
     void stop(NotifyManager notify);
-    void connectRequests(SkinRuntime& runtime);
-    void connectInput(const std::shared_ptr<SkinRuntime>& runtime, const std::shared_ptr<Window>& window);
+
+    // SkinHost. A skin asks in the middle of its own work, and most of what it asks for is its end: that is done later,
+    // from the main queue.
+    void skinDidPublish(const std::vector<Drawable>& drawables) override;
+    void deactivate() override;
+    void deactivateConfig(const std::string& path) override;
+    void activateConfig(const std::string& path, bool toggle) override;
+    void refresh() override;
+    void refreshApp() override;
+    void promptInput(const std::optional<InputTextPresentation>& presentation) override;
+    void stateDidChange(const WidgetRuntimeState& state) override;
+    // WidgetPanelClient
+    void panelDidMove(Point origin) override;
+    void contextActionChosen(WidgetContextAction action) override;
+    bool isCommandScrollReversed() const override;
+
     /// Runs the work from the main queue, unless the controller is gone by then.
     void post(std::function<void()> work);
-    void refreshApp();
 
     SkinConfig config_;
     const Platform& platform_;
     DesktopPanels& desktop_;
-    std::shared_ptr<SkinRuntime> runtime_;
-    /// Shared with the runtime's callbacks, which hold it weakly: a late one finds nothing.
-    std::shared_ptr<Window> window_;
+    /// From the first publication on, which comes before the start is over.
+    std::unique_ptr<Window> window_;
+    /// Null until it has started: a skin whose first tick asks for a stop or a refresh is not running yet.
+    std::shared_ptr<Skin> skin_;
     /// Expires with the controller.
     std::shared_ptr<void> life_ = std::make_shared<int>();
 };

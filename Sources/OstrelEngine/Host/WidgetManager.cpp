@@ -53,7 +53,7 @@ void WidgetManager::connect(const std::shared_ptr<WidgetController>& controller)
     controller->chooseOrigin = [this, life = std::weak_ptr(life_)](Size size) {
         return !life.expired() && chooseOrigin ? chooseOrigin(size) : WidgetController::DefaultOrigin;
     };
-    controller->isCommandScrollReversed = [this, life = std::weak_ptr(life_)] {
+    controller->isScrollReversed = [this, life = std::weak_ptr(life_)] {
         return !life.expired() && isCommandScrollReversed && isCommandScrollReversed();
     };
 }

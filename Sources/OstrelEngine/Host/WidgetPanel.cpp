@@ -71,8 +71,10 @@ ScrollEvent scrollOf(const QWheelEvent& event) {
 
 } // namespace
 
-WidgetPanel::WidgetPanel(Size widgetSize, Point origin, WidgetCanvasView& view, DesktopPanels& desktop)
+WidgetPanel::WidgetPanel(
+    Size widgetSize, Point origin, WidgetCanvasView& view, DesktopPanels& desktop, WidgetPanelClient& client)
     : view_(view)
+    , client_(client)
     , widgetSize_(widgetSize) {
     QSurfaceFormat format;
     format.setAlphaBufferSize(8);
@@ -86,11 +88,11 @@ WidgetPanel::WidgetPanel(Size widgetSize, Point origin, WidgetCanvasView& view, 
     view_.attach(desktop.createSurface(*this));
     view_.setSize(size(), scale_);
     followScreens();
-    view_.input().onFieldChange = [this](const auto& presentation) { showField(presentation); };
+    view_.input().setFieldView(this);
 }
 
 WidgetPanel::~WidgetPanel() {
-    view_.input().onFieldChange = nullptr;
+    view_.input().setFieldView(nullptr);
     // At once: later they would call a panel that is gone.
     delete field_.release();
     delete menu_.release();
@@ -174,8 +176,8 @@ void WidgetPanel::moveEvent(QMoveEvent*) {
     if (field_)
         field_->follow(position());
     const Point now = origin();
-    if (std::exchange(lastOrigin_, now) != now && onMoved)
-        onMoved(now);
+    if (std::exchange(lastOrigin_, now) != now)
+        client_.panelDidMove(now);
 }
 
 void WidgetPanel::mousePressEvent(QMouseEvent* event) {
@@ -184,7 +186,7 @@ void WidgetPanel::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton)
         return;
     const auto press = view_.input().mouseDown(pointOf(*event));
-    if (press == CanvasInput::Press::background && movableByBackground_)
+    if (press == Press::background && movableByBackground_)
         grip_ = Grip{event->globalPosition().toPoint(), position()};
 }
 
@@ -215,6 +217,7 @@ void WidgetPanel::mouseReleaseEvent(QMouseEvent* event) {
 
 void WidgetPanel::wheelEvent(QWheelEvent* event) {
     ScrollEvent scroll = scrollOf(*event);
+    scroll.isCommandReversed = scroll.isCommandHeld && client_.isCommandScrollReversed();
     if (!scroll.isPrecise) {
         // A fine wheel reports fractions of a notch, and a notch is one step.
         partOfNotch_ = partOfNotch_ * scroll.delta < 0 ? scroll.delta : partOfNotch_ + scroll.delta;
@@ -246,12 +249,8 @@ void WidgetPanel::showField(const std::optional<InputTextPresentation>& presenta
 }
 
 void WidgetPanel::showContextMenu(const QPoint& at) {
-    const auto choose = [this](WidgetContextAction action) {
-        return [this, action] {
-            if (onContextAction)
-                onContextAction(action);
-        };
-    };
+    const auto choose
+        = [this](WidgetContextAction action) { return [this, action] { client_.contextActionChosen(action); }; };
     menu_.reset(new ContextMenu({
         {QStringLiteral("Freeze Widget"), !movableByBackground_, choose(WidgetContextAction::toggleFreeze)},
         {},

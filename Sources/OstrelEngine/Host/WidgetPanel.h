@@ -2,12 +2,12 @@
 
 #include "OstrelEngine/Actions/MouseEvents.h"
 #include "OstrelEngine/Geometry.h"
+#include "OstrelEngine/Host/CanvasInput.h"
 #include "OstrelEngine/Host/ContextMenu.h"
 #include "OstrelEngine/Host/InputField.h"
 
 #include <QWindow>
 
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -17,12 +17,25 @@ class DesktopPanels;
 class WidgetCanvasView;
 struct InputTextPresentation;
 
+/// Whom a panel tells what the user does to it as a whole.
+class WidgetPanelClient {
+public:
+    virtual ~WidgetPanelClient() = default;
+    /// With the new origin.
+    virtual void panelDidMove(Point origin) = 0;
+    /// A choice of the context menu, which is still at work.
+    virtual void contextActionChosen(WidgetContextAction action) = 0;
+    /// Whether command-scrolling up means down.
+    virtual bool isCommandScrollReversed() const = 0;
+};
+
 /// The borderless, transparent window of a widget, part of the desktop. Its place is its origin: bottom left corner, y
 /// upward, relative to the primary screen. Main thread.
-class WidgetPanel final : public QWindow {
+class WidgetPanel final : public QWindow, private InputFieldView {
 public:
-    /// The view and the desktop outlive the panel. Nothing is shown yet.
-    WidgetPanel(Size widgetSize, Point origin, WidgetCanvasView& view, DesktopPanels& desktop);
+    /// View, desktop and client outlive the panel. Nothing is shown yet.
+    WidgetPanel(
+        Size widgetSize, Point origin, WidgetCanvasView& view, DesktopPanels& desktop, WidgetPanelClient& client);
     ~WidgetPanel() override;
 
     Point origin() const;
@@ -36,11 +49,6 @@ public:
     /// Shows the panel behind all others.
     void pinToDesktopLayer();
 
-    /// After the panel has been moved, with the new origin.
-    std::function<void(Point)> onMoved;
-    /// A choice of the context menu.
-    std::function<void(WidgetContextAction)> onContextAction;
-
 protected:
     bool event(QEvent* event) override;
     void exposeEvent(QExposeEvent* event) override;
@@ -52,7 +60,7 @@ protected:
 
 private:
     void dragTo(const QPoint& pointer);
-    void showField(const std::optional<InputTextPresentation>& presentation);
+    void showField(const std::optional<InputTextPresentation>& presentation) override;
     void showContextMenu(const QPoint& at);
 
     void place(Point origin);
@@ -69,6 +77,7 @@ private:
     };
 
     WidgetCanvasView& view_;
+    WidgetPanelClient& client_;
     Size widgetSize_;
     double scale_ = 1;
     bool movableByBackground_ = true;

@@ -3,6 +3,7 @@
 #include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Measures/CalcMeasure.h"
 #include "OstrelEngine/Measures/IntegerConversion.h"
+#include "OstrelEngine/Measures/MeasureHost.h"
 #include "OstrelEngine/Sound/AudioLevelSpectrumSource.h"
 #include "OstrelPlatform/Clock.h"
 #include "OstrelPlatform/Platform.h"
@@ -26,8 +27,9 @@ double smoothingAlpha(double deltaTimeMs, std::int64_t nominalMs, double extraSm
 } // namespace
 
 AudioLevelMeasure::AudioLevelMeasure(
-    const MeasureDefinition& definition, std::string skinPath, const Platform& platform)
+    const MeasureDefinition& definition, std::string skinPath, const Platform& platform, MeasureHost& host)
     : BaseMeasure(definition, std::move(skinPath))
+    , host_(host)
     , audioSpectrum_(platform.audioSpectrum)
     , clock_(platform.clock) {
     publish(0, "", false, 0, 1);
@@ -45,11 +47,9 @@ void AudioLevelMeasure::update() {
     }
 }
 
-void AudioLevelMeasure::resolveMeasureReferences(std::weak_ptr<const MeasuresOwner> owner) {
-    owner_ = std::move(owner);
-    const auto table = owner_.lock();
+void AudioLevelMeasure::resolveReferences() {
     const auto parent = option("Parent"_key).value_or("");
-    parentMeasure_ = table && !parent.empty() ? dynamic_cast<AudioLevelMeasure*>(table->measure(parent)) : nullptr;
+    parentMeasure_ = parent.empty() ? nullptr : dynamic_cast<AudioLevelMeasure*>(host_.measure(parent));
 }
 
 void AudioLevelMeasure::readType() {
@@ -135,7 +135,7 @@ double AudioLevelMeasure::elapsedMs() {
 }
 
 void AudioLevelMeasure::updateBand() {
-    auto& root = parentMeasure_ && !owner_.expired() ? *parentMeasure_ : *this;
+    auto& root = parentMeasure_ ? *parentMeasure_ : *this;
     // A child that comes before its root in the first cycle primes it.
     if (root.spectrum_.empty())
         root.updateSpectrumRoot();

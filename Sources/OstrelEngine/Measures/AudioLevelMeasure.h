@@ -11,6 +11,7 @@
 
 namespace Ostrel {
 
+class MeasureHost;
 class Clock;
 
 /// A root holds the bands of the machine's sound and yields their mean, a child yields one band of its root, a device
@@ -23,10 +24,11 @@ public:
     /// A level that moves by less stands still.
     static constexpr double DisplayDeadband = 0.00225;
 
-    AudioLevelMeasure(const MeasureDefinition& definition, std::string skinPath, const Platform& platform);
+    AudioLevelMeasure(
+        const MeasureDefinition& definition, std::string skinPath, const Platform& platform, MeasureHost& host);
 
     void update() override;
-    void resolveMeasureReferences(std::weak_ptr<const MeasuresOwner> owner) override;
+    void resolveReferences() override;
 
 private:
     enum class Type { Root, Band, DeviceList };
@@ -42,10 +44,9 @@ private:
     void updateDeviceList();
     double elapsedMs();
 
+    MeasureHost& host_;
     AudioSpectrum* audioSpectrum_;
     const Clock& clock_;
-    std::weak_ptr<const MeasuresOwner> owner_;
-    /// Lives as long as the owner.
     AudioLevelMeasure* parentMeasure_ = nullptr;
     /// The `optionsRevision` that the fields after it were read at.
     std::optional<std::uint64_t> typeRevision_;

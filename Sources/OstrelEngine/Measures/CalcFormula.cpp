@@ -4,6 +4,7 @@
 #include "OstrelCore/Text/RegularExpression.h"
 #include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/CalcMeasure.h"
+#include "OstrelEngine/Measures/MeasureHost.h"
 
 namespace Ostrel {
 
@@ -44,13 +45,13 @@ std::vector<std::string_view> identifiers(std::string_view text) {
 
 } // namespace
 
-CalcFormula::CalcFormula(std::string_view text, const MeasuresOwner* owner)
+CalcFormula::CalcFormula(std::string_view text, const MeasureHost* host)
     : text_(text) {
-    if (!owner)
+    if (!host)
         return;
     for (const auto name : identifiers(text_)) {
         const auto start = static_cast<std::size_t>(name.data() - text_.data());
-        if (const auto* measure = owner->measure(name))
+        if (const auto* measure = host->measure(name))
             slots_.push_back({start, start + name.size(), measure});
     }
 }

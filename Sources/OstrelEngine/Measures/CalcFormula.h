@@ -8,16 +8,15 @@
 namespace Ostrel {
 
 class BaseMeasure;
-class MeasuresOwner;
+class MeasureHost;
 
 /// The text of a formula with the names of measures found in it. Their numbers are put into the text as text, before
 /// anything is parsed, so that `1e-Cpu` or a measure named like a function mean what the letters then say.
 class CalcFormula {
 public:
     /// Without an owner no name stands for a measure. With one, the formula must not be updated after it is gone.
-    explicit CalcFormula(std::string_view text = "0", const MeasuresOwner* owner = nullptr);
+    explicit CalcFormula(std::string_view text = "0", const MeasureHost* host = nullptr);
 
-    bool namesMeasures() const { return !slots_.empty(); }
     /// Evaluates anew when the number of a measure changed, and the first time; tells whether it did.
     bool update();
     /// As last evaluated; 0 when the formula is invalid.

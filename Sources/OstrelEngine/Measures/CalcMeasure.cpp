@@ -20,15 +20,14 @@ std::optional<double> CalcMeasure::evaluateIfValid(std::string_view text) {
     return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
-void CalcMeasure::resolveMeasureReferences(std::weak_ptr<const MeasuresOwner> owner) {
-    owner_ = std::move(owner);
-    readRevision_.reset();
-}
+CalcMeasure::CalcMeasure(const MeasureDefinition& definition, std::string skinPath, const MeasureHost& host)
+    : BaseMeasure(definition, std::move(skinPath))
+    , host_(host) { }
 
 void CalcMeasure::update() {
     const bool optionsChanged = readRevision_ != optionsRevision();
-    if (optionsChanged || (formula_.namesMeasures() && owner_.expired()))
-        readFormula();
+    if (optionsChanged)
+        formula_ = CalcFormula(option("Formula"_key).value_or("0"), &host_);
     const bool formulaChanged = formula_.update();
     if (optionsChanged)
         readNumbers();
@@ -38,11 +37,6 @@ void CalcMeasure::update() {
         return;
     const double number = average_.add(formula_.value(), averageSize_);
     publish(number, formatGeneral(number), false, minimum_, maximum_);
-}
-
-void CalcMeasure::readFormula() {
-    const auto owner = owner_.lock();
-    formula_ = CalcFormula(option("Formula"_key).value_or("0"), owner.get());
 }
 
 void CalcMeasure::readNumbers() {

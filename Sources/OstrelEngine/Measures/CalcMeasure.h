@@ -4,16 +4,19 @@
 #include "OstrelEngine/Measures/MeasureProtocol.h"
 #include "OstrelEngine/Measures/MovingAverage.h"
 
-#include <memory>
+#include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace Ostrel {
 
+class MeasureHost;
+
 /// A number from the option Formula, in which the names of measures stand for their numbers.
 class CalcMeasure final : public BaseMeasure {
 public:
-    using BaseMeasure::BaseMeasure;
+    CalcMeasure(const MeasureDefinition& definition, std::string skinPath, const MeasureHost& host);
 
     /// The value of arithmetic text; 0 when it has none.
     static double evaluate(std::string_view text);
@@ -21,15 +24,13 @@ public:
     static std::optional<double> evaluateIfValid(std::string_view text);
 
     void update() override;
-    void resolveMeasureReferences(std::weak_ptr<const MeasuresOwner> owner) override;
 
 private:
-    void readFormula();
     void readNumbers();
     std::size_t readAverageSize() const;
     double readBound(const CaseKey& key, double defaultValue) const;
 
-    std::weak_ptr<const MeasuresOwner> owner_;
+    const MeasureHost& host_;
     /// The `optionsRevision` that the fields below were read at; absent before the first time.
     std::optional<std::uint64_t> readRevision_;
     CalcFormula formula_;

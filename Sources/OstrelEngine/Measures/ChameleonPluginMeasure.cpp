@@ -3,6 +3,7 @@
 #include "OstrelCore/Files/Paths.h"
 #include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/ColorText.h"
+#include "OstrelEngine/Measures/MeasureHost.h"
 #include "OstrelPlatform/PictureColors.h"
 #include "OstrelPlatform/Platform.h"
 
@@ -13,21 +14,19 @@
 namespace Ostrel {
 
 ChameleonPluginMeasure::ChameleonPluginMeasure(
-    const MeasureDefinition& definition, std::string skinPath, const Platform& platform)
+    const MeasureDefinition& definition, std::string skinPath, const Platform& platform, MeasureHost& host)
     : BaseMeasure(definition, std::move(skinPath))
+    , host_(host)
     , pictures_(platform.pictures) {
     publish(0, "255,255,255,255", true, 0, 0);
 }
 
-void ChameleonPluginMeasure::resolveMeasureReferences(std::weak_ptr<const MeasuresOwner> owner) {
-    owner_ = std::move(owner);
-    const auto measures = owner_.lock();
-    auto* parent = measures ? measures->measure(option("Parent"_key).value_or("")) : nullptr;
-    parentMeasure_ = dynamic_cast<const ChameleonPluginMeasure*>(parent);
+void ChameleonPluginMeasure::resolveReferences() {
+    parentMeasure_ = dynamic_cast<const ChameleonPluginMeasure*>(host_.measure(option("Parent"_key).value_or("")));
 }
 
 void ChameleonPluginMeasure::update() {
-    if (parentMeasure_ && !owner_.expired()) {
+    if (parentMeasure_) {
         const auto& value = parentMeasure_->value();
         return publish(value.numericValue, value.stringValue, value.preferStringValue, value.minValue, value.maxValue);
     }
@@ -44,9 +43,8 @@ void ChameleonPluginMeasure::update() {
 
 std::string ChameleonPluginMeasure::colorSource() const {
     const auto text = trimmed(option("Path"_key).value_or(""));
-    const auto owner = owner_.lock();
-    if (owner && text.size() > 1 && text.starts_with('[') && text.ends_with(']')) {
-        if (const auto* measure = owner->measure(trimmed(text.substr(1, text.size() - 2))))
+    if (text.size() > 1 && text.starts_with('[') && text.ends_with(']')) {
+        if (const auto* measure = host_.measure(trimmed(text.substr(1, text.size() - 2))))
             return measure->value().stringValue;
     }
     return std::string(text);

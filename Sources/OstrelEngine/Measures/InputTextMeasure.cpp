@@ -2,6 +2,7 @@
 
 #include "OstrelCore/Text/Numbers.h"
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/MeasureHost.h"
 #include "OstrelEngine/Measures/PositionParser.h"
 
 #include <algorithm>
@@ -127,8 +128,9 @@ std::optional<std::size_t> firstWhitespace(std::string_view text) {
 
 } // namespace
 
-InputTextMeasure::InputTextMeasure(const MeasureDefinition& definition, std::string skinPath)
+InputTextMeasure::InputTextMeasure(const MeasureDefinition& definition, std::string skinPath, MeasureHost& host)
     : BaseMeasure(definition, std::move(skinPath))
+    , host_(host)
     , presentation_(parsePresentation(definition))
     , dismissAction_(Ostrel::option(definition.allOptions, "OnDismissAction"_key).value_or(""))
     , commandTemplates_(parseCommandTemplates(definition.allOptions)) {
@@ -173,7 +175,7 @@ void InputTextMeasure::enqueue(std::vector<std::string> commands) {
 }
 
 void InputTextMeasure::processPendingCommands() {
-    // A new batch queues behind an open prompt; the queue is asked anew after every action, which may have added to it.
+    // A new batch queues behind an open prompt; the queue is read again after every action, which may have added to it.
     if (waitingForInputTemplate_)
         return;
     while (!pendingCommands_.empty()) {
@@ -181,11 +183,10 @@ void InputTextMeasure::processPendingCommands() {
         pendingCommands_.pop_front();
         if (containsIgnoringCase(command, UserInputToken)) {
             waitingForInputTemplate_ = command;
-            if (onInputRequested)
-                onInputRequested(presentation_);
+            host_.promptInput(presentation_);
             return;
         }
-        runAction(command);
+        host_.runAction(*this, command);
     }
 }
 
@@ -195,9 +196,8 @@ void InputTextMeasure::submitInput(std::string_view value) {
     const auto command = *std::exchange(waitingForInputTemplate_, std::nullopt);
     const auto answer = normalizedInput(value);
     publishAnswer(answer);
-    if (onInputDismissRequested)
-        onInputDismissRequested();
-    runAction(replacingOccurrencesIgnoringCase(command, UserInputToken, answer));
+    host_.promptInput(std::nullopt);
+    host_.runAction(*this, replacingOccurrencesIgnoringCase(command, UserInputToken, answer));
     processPendingCommands();
 }
 
@@ -214,15 +214,9 @@ void InputTextMeasure::dismissInput() {
     pendingCommands_.clear();
     if (!wasPrompting)
         return;
-    if (onInputDismissRequested)
-        onInputDismissRequested();
+    host_.promptInput(std::nullopt);
     if (!trimmed(dismissAction_).empty())
-        runAction(dismissAction_);
-}
-
-void InputTextMeasure::runAction(std::string_view action) const {
-    if (onAction)
-        onAction(action);
+        host_.runAction(*this, dismissAction_);
 }
 
 } // namespace Ostrel

@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -14,11 +13,13 @@
 
 namespace Ostrel {
 
+class MeasureHost;
+
 /// Asks the user for lines of text. Commands run one after the other; one that holds "$UserInput$" waits until the user
 /// has answered, and those behind it wait with it. The value is the last answer.
 class InputTextMeasure final : public BaseMeasure {
 public:
-    InputTextMeasure(const MeasureDefinition& definition, std::string skinPath);
+    InputTextMeasure(const MeasureDefinition& definition, std::string skinPath, MeasureHost& host);
 
     const InputTextPresentation& presentation() const { return presentation_; }
     /// Whether a command waits for the user.
@@ -30,19 +31,14 @@ public:
     /// Drops the commands that wait, and all behind them.
     void dismissInput() override;
 
-    std::function<void(const InputTextPresentation&)> onInputRequested;
-    std::function<void()> onInputDismissRequested;
-    /// Runs an action string, which may come back to this very measure.
-    std::function<void(std::string_view)> onAction;
-
 private:
     std::vector<std::string> commandsForBatchRange(std::string_view text) const;
     void enqueue(std::vector<std::string> commands);
     void processPendingCommands();
     std::string normalizedInput(std::string_view value) const;
     void publishAnswer(std::string_view text) { publish(0, text, true, 0, 0); }
-    void runAction(std::string_view action) const;
 
+    MeasureHost& host_;
     const InputTextPresentation presentation_;
     const std::string dismissAction_;
     const std::map<std::int64_t, std::string> commandTemplates_;

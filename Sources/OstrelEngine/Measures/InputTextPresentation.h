@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace Ostrel {
 
@@ -44,6 +45,15 @@ struct InputTextPresentation {
     InputTextStyle style;
 
     friend bool operator==(const InputTextPresentation&, const InputTextPresentation&) = default;
+};
+
+/// Who gets the answer of the field that a measure asked for.
+class InputAnswers {
+public:
+    virtual ~InputAnswers() = default;
+    virtual void submitInputText(std::string_view measureName, std::string_view value) = 0;
+    /// The field ends without an answer.
+    virtual void dismissInputText(std::string_view measureName) = 0;
 };
 
 } // namespace Ostrel

@@ -27,40 +27,48 @@ namespace Ostrel::MeasureFactory {
 
 namespace {
 
-using Make = std::unique_ptr<BaseMeasure> (*)(const MeasureDefinition&, const std::string&, const Platform&);
+/// What a measure is made of.
+struct Making {
+    const MeasureDefinition& definition;
+    const std::string& skinPath;
+    const Platform& platform;
+    MeasureHost& host;
+};
 
-template <typename Measure>
-std::unique_ptr<BaseMeasure> make(const MeasureDefinition& definition, const std::string& skinPath, const Platform&) {
-    return std::make_unique<Measure>(definition, skinPath);
+using Make = std::unique_ptr<BaseMeasure> (*)(const Making&);
+
+template <typename Measure> std::unique_ptr<BaseMeasure> make(const Making& of) {
+    return std::make_unique<Measure>(of.definition, of.skinPath);
 }
 
-template <typename Measure>
-std::unique_ptr<BaseMeasure> makeOfHost(
-    const MeasureDefinition& definition, const std::string& skinPath, const Platform& platform) {
-    return std::make_unique<Measure>(definition, skinPath, platform.hostStatistics);
+template <typename Measure> std::unique_ptr<BaseMeasure> makeWithHost(const Making& of) {
+    return std::make_unique<Measure>(of.definition, of.skinPath, of.host);
 }
 
-std::unique_ptr<BaseMeasure> makeTime(
-    const MeasureDefinition& definition, const std::string& skinPath, const Platform& platform) {
-    return std::make_unique<TimeMeasure>(definition, skinPath, platform.clock);
+template <typename Measure> std::unique_ptr<BaseMeasure> makeOfPlatform(const Making& of) {
+    return std::make_unique<Measure>(of.definition, of.skinPath, of.platform);
 }
 
-template <typename Measure>
-std::unique_ptr<BaseMeasure> makeOfPlatform(
-    const MeasureDefinition& definition, const std::string& skinPath, const Platform& platform) {
-    return std::make_unique<Measure>(definition, skinPath, platform);
+template <typename Measure> std::unique_ptr<BaseMeasure> makeOfPlatformWithHost(const Making& of) {
+    return std::make_unique<Measure>(of.definition, of.skinPath, of.platform, of.host);
 }
 
-std::unique_ptr<BaseMeasure> makeWebNowPlaying(
-    const MeasureDefinition& definition, const std::string& skinPath, const Platform& platform) {
-    return makeOfPlatform<NowPlayingMeasure>(
-        makeNowPlayingAliasDefinition(definition, "SPOTIFY", "PlayerType"), skinPath, platform);
+template <typename Measure> std::unique_ptr<BaseMeasure> makeOfStatistics(const Making& of) {
+    return std::make_unique<Measure>(of.definition, of.skinPath, of.platform.hostStatistics);
 }
 
-std::unique_ptr<BaseMeasure> makeDesktopPlayer(
-    const MeasureDefinition& definition, const std::string& skinPath, const Platform& platform) {
-    return makeOfPlatform<NowPlayingMeasure>(
-        makeNowPlayingAliasDefinition(definition, "SPOTIFY", "PlayerInfo"), skinPath, platform);
+std::unique_ptr<BaseMeasure> makeTime(const Making& of) {
+    return std::make_unique<TimeMeasure>(of.definition, of.skinPath, of.platform.clock);
+}
+
+std::unique_ptr<BaseMeasure> makeWebNowPlaying(const Making& of) {
+    return std::make_unique<NowPlayingMeasure>(
+        makeNowPlayingAliasDefinition(of.definition, "SPOTIFY", "PlayerType"), of.skinPath, of.platform, of.host);
+}
+
+std::unique_ptr<BaseMeasure> makeDesktopPlayer(const Making& of) {
+    return std::make_unique<NowPlayingMeasure>(
+        makeNowPlayingAliasDefinition(of.definition, "SPOTIFY", "PlayerInfo"), of.skinPath, of.platform, of.host);
 }
 
 struct Row {
@@ -71,29 +79,29 @@ struct Row {
 
 constexpr Row Types[] = {
     {"TIME", makeTime},
-    {"NOWPLAYING", makeOfPlatform<NowPlayingMeasure>},
-    {"CPU", makeOfHost<CPUMeasure>},
-    {"PHYSICALMEMORY", makeOfHost<MemoryMeasure>},
-    {"MEMORY", makeOfHost<MemoryMeasure>},
-    {"SWAPMEMORY", makeOfHost<MemoryMeasure>},
-    {"FREEDISKSPACE", makeOfHost<DiskMeasure>},
-    {"NET", makeOfHost<NetMeasure>},
-    {"NETIN", makeOfHost<NetMeasure>},
-    {"NETOUT", makeOfHost<NetMeasure>},
-    {"NETTOTAL", makeOfHost<NetMeasure>},
-    {"CALC", make<CalcMeasure>},
+    {"NOWPLAYING", makeOfPlatformWithHost<NowPlayingMeasure>},
+    {"CPU", makeOfStatistics<CPUMeasure>},
+    {"PHYSICALMEMORY", makeOfStatistics<MemoryMeasure>},
+    {"MEMORY", makeOfStatistics<MemoryMeasure>},
+    {"SWAPMEMORY", makeOfStatistics<MemoryMeasure>},
+    {"FREEDISKSPACE", makeOfStatistics<DiskMeasure>},
+    {"NET", makeOfStatistics<NetMeasure>},
+    {"NETIN", makeOfStatistics<NetMeasure>},
+    {"NETOUT", makeOfStatistics<NetMeasure>},
+    {"NETTOTAL", makeOfStatistics<NetMeasure>},
+    {"CALC", makeWithHost<CalcMeasure>},
     {"RECYCLEMANAGER", makeOfPlatform<RecycleManagerMeasure>},
-    {"SCRIPT", make<ScriptMeasure>},
-    {"STRING", make<StringMeasure>},
+    {"SCRIPT", makeWithHost<ScriptMeasure>},
+    {"STRING", makeWithHost<StringMeasure>},
 };
 
 constexpr Row Plugins[] = {
-    {"NOWPLAYING", makeOfPlatform<NowPlayingMeasure>},
+    {"NOWPLAYING", makeOfPlatformWithHost<NowPlayingMeasure>},
     {"WEBNOWPLAYING", makeWebNowPlaying},
     {"GPMDPPLUGIN", makeDesktopPlayer},
-    {"AUDIOLEVEL", makeOfPlatform<AudioLevelMeasure>},
-    {"CHAMELEON", makeOfPlatform<ChameleonPluginMeasure>},
-    {"INPUTTEXT", make<InputTextMeasure>},
+    {"AUDIOLEVEL", makeOfPlatformWithHost<AudioLevelMeasure>},
+    {"CHAMELEON", makeOfPlatformWithHost<ChameleonPluginMeasure>},
+    {"INPUTTEXT", makeWithHost<InputTextMeasure>},
     {"MOUSE", make<MousePluginMeasure>},
     {"RECYCLEMANAGER", makeOfPlatform<RecycleManagerMeasure>},
     {"RUNCOMMAND", makeOfPlatform<RunCommandMeasure>},
@@ -113,10 +121,10 @@ Make findPlugin(std::string_view name) {
 } // namespace
 
 std::unique_ptr<BaseMeasure> create(
-    const MeasureDefinition& definition, const std::string& skinPath, const Platform& platform) {
+    const MeasureDefinition& definition, const std::string& skinPath, const Platform& platform, MeasureHost& host) {
     const auto type = upperCased(definition.measureType);
     const auto create = type == "PLUGIN" ? findPlugin(definition.pluginName.value_or("")) : find(Types, type);
-    return create(definition, skinPath, platform);
+    return create({definition, skinPath, platform, host});
 }
 
 MeasureDefinition makeNowPlayingAliasDefinition(

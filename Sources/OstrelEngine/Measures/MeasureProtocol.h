@@ -12,19 +12,9 @@
 
 namespace Ostrel {
 
-class BaseMeasure;
 class SkinScript;
 class Substitution;
 struct Platform;
-
-/// The live measures of a skin by upper-cased section name. The table is filled once and keeps its members for the life
-/// of its owner, so that a measure may look another up once and keep the reference while the owner lives.
-class MeasuresOwner {
-public:
-    virtual ~MeasuresOwner() = default;
-    /// Null when there is none of that name, which may be in any case.
-    virtual BaseMeasure* measure(std::string_view name) const = 0;
-};
 
 /// What general options make of each value that a measure takes. One a measure; may keep state, such as an average.
 class ValueShaping {
@@ -79,8 +69,10 @@ public:
     /// The answer to the field that this measure had its skin show, and its end without one.
     virtual void submitInput(std::string_view) { }
     virtual void dismissInput() { }
-    /// Tells a measure that refers to others where they are, once all exist.
-    virtual void resolveMeasureReferences(std::weak_ptr<const MeasuresOwner>) { }
+    /// Called once, when all measures of the skin exist: a measure that refers to others looks them up.
+    virtual void resolveReferences() { }
+    /// Whether the options name actions for what the pointer does over the widget.
+    virtual bool takesMouseEvents() const { return false; }
     /// Null for all measures but scripts of the full dialect.
     virtual SkinScript* script() { return nullptr; }
 

@@ -14,6 +14,8 @@ public:
         : BaseMeasure(definition, std::move(skinPath)) {
         publish(0, "", false, 0, 0);
     }
+
+    bool takesMouseEvents() const override { return true; }
 };
 
 } // namespace Ostrel

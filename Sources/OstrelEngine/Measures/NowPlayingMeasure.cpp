@@ -2,6 +2,7 @@
 
 #include "OstrelCore/Text/Numbers.h"
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/MeasureHost.h"
 #include "OstrelEngine/Players/MediaPlayerBridge.h"
 #include "OstrelEngine/Players/MediaPlayerBridges.h"
 #include "OstrelPlatform/Platform.h"
@@ -107,8 +108,9 @@ std::string twoDigits(std::int64_t value) {
 } // namespace
 
 NowPlayingMeasure::NowPlayingMeasure(
-    const MeasureDefinition& definition, std::string skinPath, const Platform& platform)
+    const MeasureDefinition& definition, std::string skinPath, const Platform& platform, MeasureHost& host)
     : BaseMeasure(definition, std::move(skinPath))
+    , host_(host)
     , playerType_(readType(*this, platform))
     , disableLeadingZero_(option("DisableLeadingZero"_key) == "1")
     , effectivePlayerPath_(trimmed(option("PlayerPath"_key).value_or("")))
@@ -133,11 +135,10 @@ void NowPlayingMeasure::readPlayerName(const Platform& platform) {
     }
 }
 
-void NowPlayingMeasure::resolveMeasureReferences(std::weak_ptr<const MeasuresOwner> owner) {
-    const auto table = owner.lock();
-    if (bridge_ || !parentSectionName_ || !table)
+void NowPlayingMeasure::resolveReferences() {
+    if (bridge_ || !parentSectionName_)
         return;
-    const auto* parent = dynamic_cast<const NowPlayingMeasure*>(table->measure(*parentSectionName_));
+    const auto* parent = dynamic_cast<const NowPlayingMeasure*>(host_.measure(*parentSectionName_));
     if (!parent)
         return;
     bridge_ = parent->bridge_;
@@ -170,8 +171,7 @@ void NowPlayingMeasure::runTrackChangeActionIfNeeded(const MediaPlayerState& sta
     if (state.trackChangeSerial == 0 || state.trackChangeSerial == lastSeenTrackChangeSerial_)
         return;
     lastSeenTrackChangeSerial_ = state.trackChangeSerial;
-    if (onTrackChangeAction)
-        onTrackChangeAction(effectiveTrackChangeAction_);
+    host_.runAction(*this, effectiveTrackChangeAction_);
 }
 
 void NowPlayingMeasure::publishState(const MediaPlayerState& state) {

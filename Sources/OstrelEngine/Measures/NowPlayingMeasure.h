@@ -3,7 +3,6 @@
 #include "OstrelEngine/Measures/MeasureProtocol.h"
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +10,7 @@
 
 namespace Ostrel {
 
+class MeasureHost;
 class MediaPlayerBridge;
 struct MediaPlayerState;
 
@@ -41,14 +41,12 @@ enum class NowPlayingType : std::uint8_t {
 /// track changes; others name such a measure and share it.
 class NowPlayingMeasure final : public BaseMeasure {
 public:
-    NowPlayingMeasure(const MeasureDefinition& definition, std::string skinPath, const Platform& platform);
+    NowPlayingMeasure(
+        const MeasureDefinition& definition, std::string skinPath, const Platform& platform, MeasureHost& host);
 
     void update() override;
     bool executeCommand(std::string_view text) override;
-    void resolveMeasureReferences(std::weak_ptr<const MeasuresOwner> owner) override;
-
-    /// Runs an action string.
-    std::function<void(std::string_view action)> onTrackChangeAction;
+    void resolveReferences() override;
 
 private:
     void readPlayerName(const Platform& platform);
@@ -56,6 +54,7 @@ private:
     void publishState(const MediaPlayerState& state);
     std::string formatTime(double seconds) const;
 
+    MeasureHost& host_;
     NowPlayingType playerType_;
     bool disableLeadingZero_;
     /// Whether this measure names the player itself.

@@ -4,6 +4,7 @@
 #include "OstrelCore/Text/Numbers.h"
 #include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Measures/CalcMeasure.h"
+#include "OstrelEngine/Measures/MeasureHost.h"
 
 #include <cmath>
 #include <vector>
@@ -64,8 +65,9 @@ std::string escaped(std::string_view text) {
 
 } // namespace
 
-ScriptMeasure::ScriptMeasure(const MeasureDefinition& definition, std::string skinPath)
-    : BaseMeasure(definition, std::move(skinPath)) {
+ScriptMeasure::ScriptMeasure(const MeasureDefinition& definition, std::string skinPath, MeasureHost& host)
+    : BaseMeasure(definition, std::move(skinPath))
+    , host_(host) {
     publish(0, "", false, 0, 0);
 }
 
@@ -102,19 +104,17 @@ void ScriptMeasure::runRefresherInitialize() {
     const std::string_view flag = isFirst ? "1" : "0";
     setOption("Refreshed", flag);
     dispatch("!WriteKeyValue", name(), "Refreshed", flag);
-    if (isFirst && onAction)
-        onAction("[!Refresh]");
+    if (isFirst)
+        host_.runAction(*this, "[!Refresh]");
 }
 
 void ScriptMeasure::dispatch(
     std::string_view bang, std::string_view section, std::string_view key, std::string_view value) const {
-    if (!onAction)
-        return;
     std::string action = "[";
     action.append(bang);
     for (const auto argument : {section, key, value})
         action.append(" \"").append(escaped(argument)).append("\"");
-    onAction(action.append("]"));
+    host_.runAction(*this, action.append("]"));
 }
 
 } // namespace Ostrel

@@ -2,6 +2,7 @@
 
 #include "OstrelCore/Text/Numbers.h"
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/MeasureHost.h"
 
 #include <algorithm>
 #include <utility>
@@ -26,8 +27,8 @@ std::string formattedValue(const MeasureValue& value, std::string_view specifier
 /// One run over a template. What stands before the first bracket is final, so it moves from `pending_` to `result_`.
 class TemplateResolution {
 public:
-    TemplateResolution(const MeasuresOwner& owner, std::string_view text)
-        : owner_(owner)
+    TemplateResolution(const MeasureHost& host, std::string_view text)
+        : host_(host)
         , pending_(text)
         , maximumLength_(text.size() + MaximumGrowth) { }
 
@@ -70,7 +71,7 @@ private:
     const BaseMeasure* find(std::string_view token, std::string_view name) {
         if (token.starts_with('!') || token.starts_with('#'))
             return nullptr;
-        const auto* measure = owner_.measure(name);
+        const auto* measure = host_.measure(name);
         if (measure)
             sources_.push_back({measure, measure->valueRevision()});
         return measure;
@@ -81,7 +82,7 @@ private:
         position_ = end;
     }
 
-    const MeasuresOwner& owner_;
+    const MeasureHost& host_;
     std::string pending_;
     std::size_t position_ = 0;
     std::string result_;
@@ -92,19 +93,15 @@ private:
 
 } // namespace
 
-void StringMeasure::resolveMeasureReferences(std::weak_ptr<const MeasuresOwner> owner) {
-    owner_ = std::move(owner);
-    readRevision_.reset();
-}
+StringMeasure::StringMeasure(const MeasureDefinition& definition, std::string skinPath, const MeasureHost& host)
+    : BaseMeasure(definition, std::move(skinPath))
+    , host_(host) { }
 
 bool StringMeasure::isCurrent() const {
     if (readRevision_ != optionsRevision())
         return false;
-    if (sources_.empty())
-        return true;
-    return !owner_.expired() && std::ranges::all_of(sources_, [](const Source& source) {
-        return source.measure->valueRevision() == source.revision;
-    });
+    return std::ranges::all_of(
+        sources_, [](const Source& source) { return source.measure->valueRevision() == source.revision; });
 }
 
 void StringMeasure::update() {
@@ -116,13 +113,9 @@ void StringMeasure::update() {
     if (!text)
         text = option("Text"_key);
     readRevision_ = optionsRevision();
-    std::string resolved(text.value_or(""));
-    sources_.clear();
-    if (const auto owner = owner_.lock()) {
-        TemplateResolution resolution(*owner, resolved);
-        resolved = resolution.run();
-        sources_ = resolution.takeSources();
-    }
+    TemplateResolution resolution(host_, text.value_or(""));
+    const auto resolved = resolution.run();
+    sources_ = resolution.takeSources();
     publish(parseDouble(trimmed(resolved)).value_or(0), resolved, true, 0, 0);
 }
 

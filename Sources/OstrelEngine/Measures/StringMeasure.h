@@ -10,13 +10,14 @@
 
 namespace Ostrel {
 
+class MeasureHost;
+
 /// A text in which `[Measure]` and `[Measure:%]` stand for the values of measures.
 class StringMeasure final : public BaseMeasure {
 public:
-    using BaseMeasure::BaseMeasure;
+    StringMeasure(const MeasureDefinition& definition, std::string skinPath, const MeasureHost& host);
 
     void update() override;
-    void resolveMeasureReferences(std::weak_ptr<const MeasuresOwner> owner) override;
 
     /// A measure that a text was made from, and its state then.
     struct Source {
@@ -27,7 +28,7 @@ public:
 private:
     bool isCurrent() const;
 
-    std::weak_ptr<const MeasuresOwner> owner_;
+    const MeasureHost& host_;
     /// The `optionsRevision` that the last text was made at; absent before the first time.
     std::optional<std::uint64_t> readRevision_;
     std::vector<Source> sources_;

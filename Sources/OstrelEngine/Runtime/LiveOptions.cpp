@@ -69,8 +69,7 @@ bool LiveOptions::setMeasureOption(std::size_t position, std::string_view key, s
         groups_.invalidateGroupMembershipCaches();
     if (equalsIgnoringCase(key, "UPDATEDIVIDER"))
         measure.setUpdateDivider(BaseMeasure::parseUpdateDivider(value));
-    if (onMeasureOptionChange)
-        onMeasureOptionChange(position);
+    client_.measureOptionDidChange(position);
     return true;
 }
 
@@ -97,7 +96,7 @@ bool LiveOptions::setVariable(std::string_view name, std::string_view value) {
     parts_.variables.set(name, std::string(value));
     if (!parts_.layout.needsResolution() && parts_.layout.shouldVariableTriggerLayout(name))
         parts_.layout.markLayoutDirty();
-    noteStateChange();
+    client_.liveStateDidChange();
     return true;
 }
 
@@ -105,13 +104,8 @@ bool LiveOptions::setMeterVisible(std::string_view name, bool isVisible) {
     if (!parts_.meters.setVisible(name, isVisible))
         return false;
     parts_.publication.markChanged();
-    noteStateChange();
+    client_.liveStateDidChange();
     return true;
-}
-
-void LiveOptions::noteStateChange() const {
-    if (onStateChange)
-        onStateChange();
 }
 
 } // namespace Ostrel

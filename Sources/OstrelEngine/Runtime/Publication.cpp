@@ -1,6 +1,7 @@
 #include "OstrelEngine/Runtime/Publication.h"
 
 #include "OstrelEngine/Runtime/MeterTable.h"
+#include "OstrelEngine/Runtime/SkinHost.h"
 #include "OstrelPlatform/Clock.h"
 
 #include <utility>
@@ -13,15 +14,16 @@ constexpr double MinimumPublishInterval = 1.0 / 60.0;
 
 } // namespace
 
-Publication::Publication(const Clock& clock, const MeterTable& meters, MeterBindings& bindings,
+Publication::Publication(const Clock& clock, SkinHost& host, const MeterTable& meters, MeterBindings& bindings,
     DynamicOptions& dynamicOptions, LayoutResolver& layout)
     : clock_(clock)
+    , host_(host)
     , meters_(meters)
     , bindings_(bindings)
     , dynamicOptions_(dynamicOptions)
     , layout_(layout) { }
 
-void Publication::publishDrawables(Force force, const std::function<void(const std::vector<Drawable>&)>& onUpdate) {
+void Publication::publishDrawables(Force force) {
     const double now = clock_.uptimeSeconds();
     if (force == Force::No) {
         // What is held back here stays marked, and the next tick catches up.
@@ -33,12 +35,10 @@ void Publication::publishDrawables(Force force, const std::function<void(const s
     if (layout_.needsResolution() || layout_.hasImageWaitingForItsSize())
         layout_.resolveLayout();
     collectDrawables();
-    if (onUpdate) {
-        // Taken out meanwhile: what is shown may act on the skin and so publish again.
-        auto drawables = std::exchange(drawables_, {});
-        onUpdate(drawables);
-        drawables_ = std::move(drawables);
-    }
+    // Taken out meanwhile: what is shown may act on the skin and so publish again.
+    auto drawables = std::exchange(drawables_, {});
+    host_.skinDidPublish(drawables);
+    drawables_ = std::move(drawables);
     lastPublishTime_ = now;
     changedSinceLastPublish_ = false;
 }

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "OstrelCore/Documents/SkinModel.h"
-#include "OstrelEngine/Actions/MouseEvents.h"
+#include "OstrelEngine/Actions/PointerRules.h"
 #include "OstrelEngine/Geometry.h"
+#include "OstrelEngine/Measures/InputTextPresentation.h"
 #include "OstrelEngine/Measures/MeasureProtocol.h"
 #include "OstrelEngine/Meters/MeterProtocol.h"
 #include "OstrelEngine/Runtime/WidgetRuntimeState.h"
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,7 +17,7 @@ namespace Ostrel {
 
 /// One running skin of either dialect: its measures, meters and variables, the tick that updates them and the
 /// publications that come of it. Its owner is the widget's controller; timers and measures hold it weakly. Main thread.
-class Skin : public MeasuresOwner, public std::enable_shared_from_this<Skin> {
+class Skin : public InputAnswers, public std::enable_shared_from_this<Skin> {
 public:
     ~Skin() override = default;
 
@@ -43,19 +43,20 @@ public:
     virtual const Options& variables() const = 0;
     /// In file order.
     virtual const std::vector<std::unique_ptr<BaseMeasure>>& allMeasures() const = 0;
+    /// Null when there is none of that name, which may be in any case.
+    virtual BaseMeasure* measure(std::string_view name) const = 0;
 
     virtual WidgetRuntimeState snapshotState() const = 0;
     virtual void applyState(const WidgetRuntimeState& state) = 0;
 
     /// Runs an action string; true when something was handled.
     virtual bool executeActionString(std::string_view action) = 0;
-    /// Runs the actions that measures have for the mouse. The source is the meter that the pointer belongs to, if any.
-    /// True when one of them handled something.
-    virtual bool handleMouseEvent(MouseEventKind kind, Point point, std::optional<std::string_view> sourceMeterName)
-        = 0;
-    /// The answer to the field that the skin asked for, and its end without one.
-    virtual void submitInputText(std::string_view measureName, std::string_view value) = 0;
-    virtual void dismissInputText(std::string_view measureName) = 0;
+    /// Publishes what stands now, without an update.
+    virtual void redraw() = 0;
+    /// What the pointer does to this skin; null where it does nothing. `shown` is the list that a host shows, which
+    /// changes with every publication, also in the middle of a call, and outlives the rules. The rules hold the skin
+    /// weakly: a late event of a skin that is gone goes nowhere.
+    virtual std::unique_ptr<PointerRules> makePointerRules(const std::vector<Drawable>&) { return nullptr; }
 };
 
 } // namespace Ostrel

@@ -2,18 +2,14 @@
 
 #include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Actions/MouseVariables.h"
-#include "OstrelEngine/Measures/InputTextMeasure.h"
 #include "OstrelEngine/Measures/MeasureFactory.h"
-#include "OstrelEngine/Measures/MousePluginMeasure.h"
-#include "OstrelEngine/Measures/NowPlayingMeasure.h"
-#include "OstrelEngine/Measures/ScriptMeasure.h"
 #include "OstrelEngine/Meters/MeterFactory.h"
 #include "OstrelEngine/Meters/Text/FontRegistry.h"
 #include "OstrelEngine/Runtime/OptionResolver.h"
+#include "OstrelPlatform/HostStatistics.h"
 #include "OstrelPlatform/MainQueue.h"
 #include "OstrelPlatform/Platform.h"
 
-#include <functional>
 #include <utility>
 
 namespace Ostrel {
@@ -38,44 +34,40 @@ const CaseKey& actionKey(MouseEventKind kind) {
 
 } // namespace
 
-std::shared_ptr<SkinRuntime> SkinRuntime::create(SkinConfig config, const Platform& platform) {
-    const std::shared_ptr<SkinRuntime> runtime(new SkinRuntime(std::move(config), platform));
-    runtime->connectMeasures();
-    return runtime;
+std::shared_ptr<SkinRuntime> SkinRuntime::create(SkinConfig config, const Platform& platform, SkinHost& host) {
+    return std::shared_ptr<SkinRuntime>(new SkinRuntime(std::move(config), platform, host));
 }
 
-SkinRuntime::SkinRuntime(SkinConfig config, const Platform& platform)
+SkinRuntime::SkinRuntime(SkinConfig config, const Platform& platform, SkinHost& host)
     : config_(std::move(config))
+    , host_(host)
     , mainQueue_(platform.mainQueue)
+    , hostStatistics_(platform.hostStatistics)
     , updateIntervalSeconds_(updateInterval(config_.rainmeterOptions))
     , runtimeVariables_(config_.variables)
     , expressions_(runtimeVariables_, measures_)
     , bindings_(meters_, measures_)
     , dynamicOptions_(meters_, measures_, expressions_)
     , layout_(meters_, bindings_, expressions_, runtimeVariables_, windowSize(config_.rainmeterOptions))
-    , publication_(platform.clock, meters_, bindings_, dynamicOptions_, layout_)
+    , publication_(platform.clock, host_, meters_, bindings_, dynamicOptions_, layout_)
     , groups_(meters_, measures_)
     , parts_{config_.filePath, runtimeVariables_, measures_, meters_, expressions_, layout_, publication_,
           platform.workspace}
-    , liveOptions_(parts_, groups_)
+    , liveOptions_(parts_, groups_, *this)
     , runner_(bangs_)
     , measureActions_(measures_, expressions_, runner_)
-    , bangs_(parts_, *this, liveOptions_, groups_, measureActions_) {
-    liveOptions_.onMeasureOptionChange = [this](std::size_t position) { measureActions_.forgetCommits(position); };
-    liveOptions_.onStateChange = [this] {
-        if (onStateDidChange)
-            onStateDidChange(snapshotState());
-    };
+    , bangs_(parts_, host_, liveOptions_, groups_, measureActions_) {
     buildMeasures(platform);
     buildMeters(platform);
     layout_.resolveLayout();
+    connectMeasures();
 }
 
 SkinRuntime::~SkinRuntime() = default;
 
 void SkinRuntime::buildMeasures(const Platform& platform) {
     for (const auto& definition : config_.measures)
-        measures_.add(MeasureFactory::create(definition, config_.filePath, platform));
+        measures_.add(MeasureFactory::create(definition, config_.filePath, platform, *this));
 }
 
 void SkinRuntime::buildMeters(const Platform& platform) {
@@ -88,40 +80,16 @@ void SkinRuntime::buildMeters(const Platform& platform) {
     }
 }
 
-/// Once the runtime is owned, since measures hold it weakly.
 void SkinRuntime::connectMeasures() {
-    for (const auto& measure : measures_.all())
-        measure->resolveMeasureReferences(weak_from_this());
     for (std::size_t i = 0; i < measures_.count(); ++i) {
-        auto* const measure = &measures_.at(i);
-        if (auto* input = dynamic_cast<InputTextMeasure*>(measure))
-            connectInput(*input);
-        else if (auto* nowPlaying = dynamic_cast<NowPlayingMeasure*>(measure))
-            nowPlaying->onTrackChangeAction = actionHandler();
-        else if (auto* script = dynamic_cast<ScriptMeasure*>(measure))
-            script->onAction = actionHandler();
-        else if (dynamic_cast<MousePluginMeasure*>(measure))
+        measures_.at(i).resolveReferences();
+        if (measures_.at(i).takesMouseEvents())
             mouseMeasures_.push_back(i);
     }
 }
 
-void SkinRuntime::connectInput(InputTextMeasure& measure) {
-    measure.onAction = actionHandler();
-    measure.onInputRequested = [weak = weak_from_this()](const InputTextPresentation& presentation) {
-        if (const auto runtime = weak.lock(); runtime && runtime->onInputTextPrompt)
-            runtime->onInputTextPrompt(presentation);
-    };
-    measure.onInputDismissRequested = [weak = weak_from_this()] {
-        if (const auto runtime = weak.lock(); runtime && runtime->onInputTextPrompt)
-            runtime->onInputTextPrompt(std::nullopt);
-    };
-}
-
-std::function<void(std::string_view)> SkinRuntime::actionHandler() {
-    return [weak = weak_from_this()](std::string_view action) {
-        if (const auto runtime = weak.lock())
-            runtime->executeActionString(action);
-    };
+void SkinRuntime::promptInput(const std::optional<InputTextPresentation>& presentation) {
+    host_.promptInput(presentation);
 }
 
 void SkinRuntime::start() {
@@ -133,8 +101,8 @@ void SkinRuntime::start() {
     performUpdate();
     executeRainmeterAction("OnRefreshAction"_key);
     timer_ = mainQueue_.startRepeating(updateIntervalSeconds_, [weak = weak_from_this()] {
-        if (const auto runtime = weak.lock())
-            runtime->performUpdate();
+        if (const auto skin = weak.lock())
+            skin->performUpdate();
     });
 }
 
@@ -143,8 +111,7 @@ void SkinRuntime::stop() {
         return;
     executeRainmeterAction("OnCloseAction"_key);
     timer_.reset();
-    if (onInputTextPrompt)
-        onInputTextPrompt(std::nullopt);
+    host_.promptInput(std::nullopt);
     isStopping_ = false;
 }
 
@@ -158,7 +125,7 @@ void SkinRuntime::performUpdate() {
             publication_.markChanged();
         measureActions_.executeMeasureActions(i, changed);
     }
-    publishDrawables(Publication::Force::No);
+    publication_.publishDrawables(Publication::Force::No);
 }
 
 void SkinRuntime::executeRainmeterAction(const CaseKey& key) {
@@ -208,18 +175,41 @@ bool SkinRuntime::handleMouseEvent(MouseEventKind kind, Point point, std::option
     return handled;
 }
 
+std::unique_ptr<PointerRules> SkinRuntime::makePointerRules(const std::vector<Drawable>& shown) {
+    return std::make_unique<MeterPointer>(shown, std::shared_ptr<PointerClient>(shared_from_this(), this));
+}
+
+// What a user does is a wake of its own: a measure that an action updates sees the host as it is now.
+void SkinRuntime::runPointerAction(const std::string& action) {
+    hostStatistics_.beginWake();
+    executeActionString(action);
+}
+
+void SkinRuntime::pointerDidAct(MouseEventKind kind, Point point, const std::optional<std::string>& sourceMeterName) {
+    hostStatistics_.beginWake();
+    handleMouseEvent(kind, point, sourceMeterName);
+}
+
+/// Acts on the skin as a whole.
+void SkinRuntime::commandScroll(WidgetCommandScrollDirection direction) {
+    hostStatistics_.beginWake();
+    const auto& options = config_.rainmeterOptions.allOptions;
+    const auto action = direction == WidgetCommandScrollDirection::up ? option(options, "MouseScrollUpAction"_key)
+                                                                      : option(options, "MouseScrollDownAction"_key);
+    if (const auto text = trimmed(action.value_or("")); !text.empty())
+        executeActionString(text);
+}
+
 void SkinRuntime::submitInputText(std::string_view measureName, std::string_view value) {
-    if (auto* input = dynamic_cast<InputTextMeasure*>(measure(measureName)))
-        input->submitInput(value);
+    hostStatistics_.beginWake();
+    if (auto* asking = measure(measureName))
+        asking->submitInput(value);
 }
 
 void SkinRuntime::dismissInputText(std::string_view measureName) {
-    if (auto* input = dynamic_cast<InputTextMeasure*>(measure(measureName)))
-        input->dismissInput();
-}
-
-void SkinRuntime::publishDrawables(Publication::Force force) {
-    publication_.publishDrawables(force, onUpdate);
+    hostStatistics_.beginWake();
+    if (auto* asking = measure(measureName))
+        asking->dismissInput();
 }
 
 std::vector<MeasureValue> SkinRuntime::boundValues(const MeterRenderer& meter) {

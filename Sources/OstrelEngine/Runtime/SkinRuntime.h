@@ -4,8 +4,10 @@
 #include "OstrelEngine/Actions/ActionRunner.h"
 #include "OstrelEngine/Actions/BangOperations.h"
 #include "OstrelEngine/Actions/MeasureActions.h"
+#include "OstrelEngine/Actions/MeterPointer.h"
 #include "OstrelEngine/Actions/MouseEvents.h"
 #include "OstrelEngine/Geometry.h"
+#include "OstrelEngine/Measures/MeasureHost.h"
 #include "OstrelEngine/Measures/MeasureProtocol.h"
 #include "OstrelEngine/Meters/MeterProtocol.h"
 #include "OstrelEngine/Runtime/DynamicOptions.h"
@@ -17,86 +19,87 @@
 #include "OstrelEngine/Runtime/MeterTable.h"
 #include "OstrelEngine/Runtime/Publication.h"
 #include "OstrelEngine/Runtime/RuntimeExpressions.h"
-#include "OstrelEngine/Runtime/SkinCallbacks.h"
+#include "OstrelEngine/Runtime/Skin.h"
+#include "OstrelEngine/Runtime/SkinHost.h"
 #include "OstrelEngine/Runtime/SkinParts.h"
 #include "OstrelEngine/Runtime/WidgetRuntimeState.h"
 
-#include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
 namespace Ostrel {
 
-class InputTextMeasure;
+class HostStatistics;
 class MainQueue;
 class RepeatingTimer;
 struct Platform;
 
-/// One running skin: its measures, meters and variables, the tick that updates them and the publications that come of
-/// it. Main thread. A shared pointer only so that timers and measures can hold it weakly; its one owner is the widget's
-/// controller.
-class SkinRuntime final : public MeasuresOwner, public SkinCallbacks, public std::enable_shared_from_this<SkinRuntime> {
+/// One running skin of the base dialect.
+class SkinRuntime final : public Skin, private MeasureHost, private PointerClient, private LiveOptionsClient {
 public:
-    /// Builds measures and meters and lays them out once; nothing has ticked yet.
-    static std::shared_ptr<SkinRuntime> create(SkinConfig config, const Platform& platform);
+    /// Builds measures and meters and lays them out once; nothing has ticked yet. Platform and host outlive the skin.
+    static std::shared_ptr<SkinRuntime> create(SkinConfig config, const Platform& platform, SkinHost& host);
     ~SkinRuntime() override;
 
-    /// Runs the first tick and arms the timer. A running skin is stopped first. Variables, visibility and the measures'
-    /// own state survive a stop.
-    void start();
-    void stop();
-    /// One tick: every measure that is due, then at most one publication.
-    void performUpdate();
+    /// Variables, visibility and the measures' own state survive a stop.
+    void start() override;
+    void stop() override;
+    void performUpdate() override;
 
-    const SkinConfig& config() const { return config_; }
-    double updateIntervalSeconds() const { return updateIntervalSeconds_; }
-    /// Ticks since `start`; the first has count 1.
-    int tickCount() const { return tickCount_; }
-    /// The canvas size that the skin wants, as it is computed: neither bounded nor rounded.
-    Size widgetSize() const { return layout_.widgetSize(); }
-    /// In file order, which is the drawing order.
-    const std::vector<std::shared_ptr<MeterRenderer>>& meters() const { return meters_.all(); }
-    /// True when there is no such meter.
-    bool isMeterVisible(std::string_view name) const { return meters_.isVisible(name); }
-    /// The values that a meter of this skin is bound to now.
-    std::vector<MeasureValue> boundValues(const MeterRenderer& meter);
-    const Options& variables() const { return runtimeVariables_; }
-    /// In file order.
-    const std::vector<std::unique_ptr<BaseMeasure>>& allMeasures() const { return measures_.all(); }
+    const SkinConfig& config() const override { return config_; }
+    double updateIntervalSeconds() const override { return updateIntervalSeconds_; }
+    int tickCount() const override { return tickCount_; }
+    Size widgetSize() const override { return layout_.widgetSize(); }
+    const std::vector<std::shared_ptr<MeterRenderer>>& meters() const override { return meters_.all(); }
+    bool isMeterVisible(std::string_view name) const override { return meters_.isVisible(name); }
+    std::vector<MeasureValue> boundValues(const MeterRenderer& meter) override;
+    const Options& variables() const override { return runtimeVariables_; }
+    const std::vector<std::unique_ptr<BaseMeasure>>& allMeasures() const override { return measures_.all(); }
     BaseMeasure* measure(std::string_view name) const override { return measures_.find(name); }
 
-    WidgetRuntimeState snapshotState() const;
+    WidgetRuntimeState snapshotState() const override;
     /// Takes over all variables, and the visibility of meters that exist. The next publication shows it.
-    void applyState(const WidgetRuntimeState& state);
+    void applyState(const WidgetRuntimeState& state) override;
 
-    /// Runs an action string; true when something was handled.
-    bool executeActionString(std::string_view action) { return runner_.executeActionString(action); }
+    bool executeActionString(std::string_view action) override { return runner_.executeActionString(action); }
     /// Runs the actions that measures have for the mouse. The source is the meter that the pointer belongs to, if any.
     /// True when one of them handled something.
     bool handleMouseEvent(MouseEventKind kind, Point point, std::optional<std::string_view> sourceMeterName);
-    /// The answer to the field that `onInputTextPrompt` asked for, and its end without one.
-    void submitInputText(std::string_view measureName, std::string_view value);
-    void dismissInputText(std::string_view measureName);
+    void redraw() override { publication_.publishDrawables(Publication::Force::Yes); }
+    std::unique_ptr<PointerRules> makePointerRules(const std::vector<Drawable>& shown) override;
+    void submitInputText(std::string_view measureName, std::string_view value) override;
+    void dismissInputText(std::string_view measureName) override;
 
 private:
-    SkinRuntime(SkinConfig config, const Platform& platform);
+    SkinRuntime(SkinConfig config, const Platform& platform, SkinHost& host);
 
     void buildMeasures(const Platform& platform);
     void buildMeters(const Platform& platform);
     void connectMeasures();
-    void connectInput(InputTextMeasure& measure);
-    /// What a measure calls to run an action; does nothing once the skin is gone.
-    std::function<void(std::string_view)> actionHandler();
+
+    // MeasureHost
+    void runAction(const BaseMeasure&, std::string_view action) override { executeActionString(action); }
+    void promptInput(const std::optional<InputTextPresentation>& presentation) override;
+    // PointerClient
+    void runPointerAction(const std::string& action) override;
+    void pointerDidAct(MouseEventKind kind, Point point, const std::optional<std::string>& sourceMeterName) override;
+    void commandScroll(WidgetCommandScrollDirection direction) override;
+    // LiveOptionsClient
+    void liveStateDidChange() override { host_.stateDidChange(snapshotState()); }
+    void measureOptionDidChange(std::size_t position) override { measureActions_.forgetCommits(position); }
+
     bool shouldUpdateMeasure(std::size_t position);
     bool isMeasureDisabledByOption(const BaseMeasure& measure);
     bool isMeasureEnabledForActions(std::size_t position);
     void executeRainmeterAction(const CaseKey& key);
-    void publishDrawables(Publication::Force force);
 
     SkinConfig config_;
+    SkinHost& host_;
     MainQueue& mainQueue_;
+    HostStatistics& hostStatistics_;
     double updateIntervalSeconds_;
     Options runtimeVariables_;
     MeasureTable measures_;

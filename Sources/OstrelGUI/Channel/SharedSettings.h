@@ -8,7 +8,7 @@ namespace Ostrel::SharedSettings {
 /// The name of an application; empty when each skin is to decide.
 inline constexpr std::string_view targetMediaPlayer = "targetMediaPlayer";
 
-inline constexpr std::string_view texts[] = {targetMediaPlayer};
+inline constexpr std::string_view texts[] = {targetMediaPlayer, "packChoices", "newPacks"};
 inline constexpr std::string_view switches[] = {"reverseCommandScrollDirection"};
 
 } // namespace Ostrel::SharedSettings

@@ -53,6 +53,10 @@ QLineEdit& AlertDialog::addField(const QString& placeholder, const QString& valu
     return *field;
 }
 
+void AlertDialog::addWidget(QWidget& widget) {
+    column_->insertWidget(column_->count() - 2, &widget);
+}
+
 QPushButton& AlertDialog::addAcceptButton(const QString& title) {
     QPushButton* button = buttons_->addButton(title, QDialogButtonBox::AcceptRole);
     connect(button, &QPushButton::clicked, this, &QDialog::accept);

@@ -17,6 +17,8 @@ public:
 
     /// Between the text and the buttons.
     QLineEdit& addField(const QString& placeholder, const QString& value);
+    /// Between the text and the buttons, one below the other.
+    void addWidget(QWidget& widget);
     /// Closes as accepted.
     QPushButton& addAcceptButton(const QString& title);
     QPushButton& addCancelButton(const QString& title);

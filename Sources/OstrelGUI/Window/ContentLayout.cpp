@@ -5,6 +5,7 @@
 #include "OstrelGUI/Window/DLLCompatibilityMenuView.h"
 #include "OstrelGUI/Window/DropHint.h"
 #include "OstrelGUI/Window/MediaPlayerMenuView.h"
+#include "OstrelGUI/Window/PackLaunch.h"
 #include "OstrelGUI/Window/Placeholder.h"
 #include "OstrelGUI/Window/ScanDetailView.h"
 #include "OstrelGUI/Window/SettingsMenuView.h"
@@ -172,7 +173,11 @@ QWidget* ContentView::page(const SidebarSelection& selection) {
     }
     return made(scanDetail_, [this] {
         auto* view = new ScanDetailView;
-        view->onLaunch = [this](const std::string& path) { with_.library.launchWidget(path); };
+        view->onLaunch = [this](const std::string& path) { packs_->launch(path); };
+        view->onDialect = [this](const std::string& path, Dialect dialect) {
+            packs_->choose(path, dialect);
+            showDetail();
+        };
         view->onStop = [this](const std::string& path) { with_.library.unrenderWidget(path); };
         return view;
     });

@@ -5,6 +5,7 @@
 #include "OstrelGUI/Window/DLLCompatibilityMenuView.h"
 #include "OstrelGUI/Window/DropHint.h"
 #include "OstrelGUI/Window/MediaPlayerMenuView.h"
+#include "OstrelGUI/Window/PackLaunch.h"
 #include "OstrelGUI/Window/PaintedParts.h"
 #include "OstrelGUI/Window/Placeholder.h"
 #include "OstrelGUI/Window/ScanDetailView.h"
@@ -31,6 +32,7 @@ ContentView::ContentView(Dependencies dependencies)
     installPaintedParts();
     if (!with_.dialogs)
         with_.dialogs = makeWindowDialogs();
+    packs_ = std::make_unique<PackLaunch>(*this, with_.defaults, with_.library, *with_.dialogs);
     buildWindow();
     observe();
 }
@@ -86,7 +88,7 @@ void ContentView::didAdd(const std::vector<std::string>& selected, const std::ve
     if (!SkinSelection::shouldAutoRenderSelection(selected))
         return;
     for (const std::string& path : expanded)
-        with_.library.launchWidget(path);
+        packs_->launch(path);
 }
 
 void ContentView::clearScans() {
@@ -158,10 +160,14 @@ void ContentView::showDetail() {
     }
     QWidget* shown = page(*sidebarSelection_);
     if (const auto* scan = selectedScan()) {
-        scanDetail_->setRunning(isRunning(scan->path));
-        scanDetail_->showItem(*scan);
+        showScan(*scan);
     }
     detail_->setCurrentWidget(shown);
+}
+
+void ContentView::showScan(const ScannerViewModel::ScanItem& scan) {
+    scanDetail_->setRunning(isRunning(scan.path));
+    scanDetail_->showItem(scan, packs_->choices().dialectOf(scan.path));
 }
 
 void ContentView::changeEvent(QEvent* event) {

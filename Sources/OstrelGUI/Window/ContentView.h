@@ -21,6 +21,7 @@ class DLLCompatibilityMenuView;
 class DesktopAppearance;
 class DropHint;
 class MediaPlayerMenuView;
+class PackLaunch;
 class Placeholder;
 class ScanDetailView;
 class SettingsMenuView;
@@ -83,6 +84,8 @@ private:
     void observe();
     void applyStyleSheet();
 
+    /// The detail shows the scan in the dialect of its pack.
+    void showScan(const ScannerViewModel::ScanItem& scan);
     void didAdd(const std::vector<std::string>& selected, const std::vector<std::string>& expanded);
     void scansDidChange(const ScannerViewModel::Change& change);
     void libraryDidChange();
@@ -93,6 +96,7 @@ private:
     bool isRunning(const std::string& path) const;
 
     Dependencies with_;
+    std::unique_ptr<PackLaunch> packs_;
     WindowTheme theme_;
     SidebarModel sidebarModel_;
     std::optional<SidebarSelection> sidebarSelection_;

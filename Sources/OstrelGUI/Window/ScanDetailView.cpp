@@ -11,6 +11,7 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -81,6 +82,7 @@ ScanDetailView::ScanDetailView()
     error_->column().addWidget(errorMessage_);
     column().addWidget(error_);
     buildSummary();
+    buildDialect();
     findings_ = new Card(QStringLiteral("Findings"));
     findingRows_ = new RowList;
     findings_->column().addWidget(findingRows_);
@@ -137,16 +139,33 @@ void ScanDetailView::buildSummary() {
     setRunning(false);
 }
 
+void ScanDetailView::buildDialect() {
+    dialect_ = new Card(QStringLiteral("Dialect"));
+    dialectButton_ = new QPushButton;
+    auto* head = new QHBoxLayout;
+    head->addWidget(dialect_->titleLabel(), 1);
+    head->addWidget(dialectButton_);
+    dialect_->column().addLayout(head);
+    dialectText_ = makeDimLabel({});
+    dialect_->column().addWidget(dialectText_);
+    column().addWidget(dialect_);
+    connect(dialectButton_, &QPushButton::clicked, this, [this] {
+        if (onDialect)
+            onDialect(std::string(path_), shownDialect_ == Dialect::Full ? Dialect::Base : Dialect::Full);
+    });
+}
+
 void ScanDetailView::setRunning(bool isRunning) {
     isRunning_ = isRunning;
     toggle_->setText(isRunning ? QStringLiteral("Stop Widget") : QStringLiteral("Render Widget"));
     setButtonKind(*toggle_, isRunning ? ButtonKind::normal : ButtonKind::suggested);
 }
 
-void ScanDetailView::showItem(const ScannerViewModel::ScanItem& item) {
+void ScanDetailView::showItem(const ScannerViewModel::ScanItem& item, Dialect dialect) {
     const bool isOther = id_ != item.id;
-    if (!isOther && item.state.index() == state_.index())
+    if (!isOther && item.state.index() == state_.index() && dialect == shownDialect_)
         return;
+    shownDialect_ = dialect;
     id_ = item.id;
     path_ = item.path;
     state_ = item.state;
@@ -158,6 +177,7 @@ void ScanDetailView::showItem(const ScannerViewModel::ScanItem& item) {
     scanning_->setVisible(!success && !failure);
     error_->setVisible(failure);
     summary_->setVisible(success);
+    dialect_->setVisible(success && (*success)->full);
     findings_->setVisible(success);
     diagnostics_->setVisible(success || failure);
     rawOutput_->setVisible(success);
@@ -170,7 +190,42 @@ void ScanDetailView::showItem(const ScannerViewModel::ScanItem& item) {
 }
 
 void ScanDetailView::showSuccess(const ScannerViewModel::ScanSuccess& success) {
-    const CompatReport& report = success.report;
+    showDiagnostics(success.diagnostics);
+    if (success.full)
+        showDialect(success);
+    if (success.full && shownDialect_ == Dialect::Full) {
+        showReport(success.full->report);
+        rawOutput_->setTexts(success.full->formattedText, success.full->formattedJSON);
+        return;
+    }
+    showReport(success.report);
+    rawOutput_->setTexts(success.formattedText, success.formattedJSON);
+}
+
+void ScanDetailView::showDialect(const ScannerViewModel::ScanSuccess& success) {
+    constexpr std::size_t Named = 3;
+    const auto& things = success.full->beyondBase;
+    const bool isFull = shownDialect_ == Dialect::Full;
+    QString text;
+    if (isFull) {
+        text = QStringLiteral("This pack runs in the full dialect.");
+    } else if (things.empty()) {
+        text = QStringLiteral("Uses nothing beyond the base dialect.");
+    } else {
+        QStringList named;
+        for (std::size_t i = 0; i < std::min(things.size(), Named); ++i)
+            named << textOf(things[i]);
+        text = (things.size() == 1 ? QStringLiteral("Uses one thing beyond the base dialect: ")
+                                   : QStringLiteral("Uses %1 things beyond the base dialect: ").arg(things.size()))
+            + named.join(QStringLiteral(", ")) + (things.size() > Named ? QStringLiteral(", …") : QStringLiteral("."));
+    }
+    dialectText_->setText(text);
+    dialectButton_->setText(
+        isFull ? QStringLiteral("Run with the base dialect") : QStringLiteral("Run with the full dialect"));
+    setButtonKind(*dialectButton_, isFull || things.empty() ? ButtonKind::normal : ButtonKind::suggested);
+}
+
+void ScanDetailView::showReport(const CompatReport& report) {
     const StatusIcon icon = StatusIcon::of(report.verdict);
     verdict_->show(icon.symbol, verdictLabel(report.verdict), icon.tone);
     incompatible_->setText(QStringLiteral("%1 incompatible").arg(report.incompatibleCount()));
@@ -178,8 +233,6 @@ void ScanDetailView::showSuccess(const ScannerViewModel::ScanSuccess& success) {
     findings_->titleLabel()->setText(QStringLiteral("Findings (%1)").arg(report.findings.size()));
     findingRows_->setAccessibleName(findings_->titleLabel()->text());
     fill(*findings_, *findingRows_, report.findings, findingRow);
-    showDiagnostics(success.diagnostics);
-    rawOutput_->setTexts(success.formattedText, success.formattedJSON);
 }
 
 void ScanDetailView::showFailure(const ScannerViewModel::ScanFailure& failure) {

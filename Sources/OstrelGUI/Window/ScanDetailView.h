@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OstrelGUI/PackChoices.h"
 #include "OstrelGUI/ScannerViewModel.h"
 #include "OstrelGUI/Window/Page.h"
 
@@ -24,7 +25,8 @@ class ScanDetailView final : public Page {
 public:
     ScanDetailView();
 
-    void showItem(const ScannerViewModel::ScanItem& item);
+    /// In the dialect that the skin's pack runs in.
+    void showItem(const ScannerViewModel::ScanItem& item, Dialect dialect);
     /// Whether the skin's widget is open; picks the button.
     void setRunning(bool isRunning);
     const std::string& path() const { return path_; }
@@ -32,10 +34,15 @@ public:
     /// "Render Widget" and "Stop Widget", with the skin's path.
     std::function<void(const std::string& path)> onLaunch;
     std::function<void(const std::string& path)> onStop;
+    /// The user wants the skin's pack to run in this dialect.
+    std::function<void(const std::string& path, Dialect dialect)> onDialect;
 
 private:
     void buildHeader();
     void buildSummary();
+    void buildDialect();
+    void showDialect(const ScannerViewModel::ScanSuccess& success);
+    void showReport(const CompatReport& report);
     void showSuccess(const ScannerViewModel::ScanSuccess& success);
     void showFailure(const ScannerViewModel::ScanFailure& failure);
     void showDiagnostics(const std::vector<Diagnostic>& diagnostics);
@@ -43,6 +50,7 @@ private:
     std::optional<ScannerViewModel::ScanID> id_;
     std::string path_;
     ScannerViewModel::ScanState state_;
+    Dialect shownDialect_ = Dialect::Base;
     bool isRunning_ = false;
     QLabel* name_ = nullptr;
     ElidedLabel* pathLabel_ = nullptr;
@@ -54,6 +62,9 @@ private:
     QLabel* incompatible_ = nullptr;
     QLabel* warnings_ = nullptr;
     QPushButton* toggle_ = nullptr;
+    Card* dialect_ = nullptr;
+    QLabel* dialectText_ = nullptr;
+    QPushButton* dialectButton_ = nullptr;
     Card* findings_ = nullptr;
     RowList* findingRows_ = nullptr;
     Card* diagnostics_ = nullptr;

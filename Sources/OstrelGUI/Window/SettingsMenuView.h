@@ -4,6 +4,7 @@
 
 namespace Ostrel {
 
+class DialectSettings;
 class SwitchRow;
 class UserDefaults;
 
@@ -19,6 +20,7 @@ protected:
 private:
     UserDefaults& defaults_;
     SwitchRow* reverseScroll_;
+    DialectSettings* dialects_;
 };
 
 } // namespace Ostrel

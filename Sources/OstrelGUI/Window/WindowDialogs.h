@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <memory>
@@ -32,6 +33,25 @@ public:
         QString placeholder;
         QString value;
     };
+    /// What a pack may be allowed to do.
+    struct PermissionQuestion {
+        QString title;
+        QString text;
+        /// One for each kind that the pack wants.
+        struct Kind {
+            QString title;
+            /// What it wants of this kind, a line each.
+            QStringList items;
+            /// Whether it is on until the user says otherwise.
+            bool isSuggested = true;
+        };
+        std::vector<Kind> kinds;
+    };
+    /// For each kind whether it is allowed; absent when the user decides later.
+    virtual void askPermissions(
+        QWidget& window, const PermissionQuestion& question, std::function<void(std::optional<std::vector<bool>>)> done)
+        = 0;
+
     /// A line of text as it was typed; absent when cancelled.
     virtual void ask(QWidget& window, const Prompt& prompt, std::function<void(std::optional<QString>)> done) = 0;
 };

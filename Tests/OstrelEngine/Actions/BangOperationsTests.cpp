@@ -9,7 +9,7 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr std::string_view Skin = R"([Rainmeter]
+constexpr std::string_view SkinText = R"([Rainmeter]
 Update=1000
 [Variables]
 Width=10
@@ -50,7 +50,7 @@ using Log = std::vector<std::string>;
 } // namespace
 
 TEST(BangOperations, publishOnceForAWholeActionString) {
-    ActionSkin skin(Skin);
+    ActionSkin skin(SkinText);
     const struct {
         std::string_view action;
         Log log;
@@ -78,7 +78,7 @@ TEST(BangOperations, publishOnceForAWholeActionString) {
 }
 
 TEST(BangOperations, showAndHideGroups) {
-    ActionSkin skin(Skin);
+    ActionSkin skin(SkinText);
     EXPECT_THAT(skin.run("[!HideMeterGroup \" left \"]"), ElementsAre("publish", "handled"));
     EXPECT_EQ(skin.shown(), "");
     skin.run("[!ShowFadeGroup Right]");
@@ -88,7 +88,7 @@ TEST(BangOperations, showAndHideGroups) {
 }
 
 TEST(BangOperations, askTheHost) {
-    ActionSkin skin(Skin);
+    ActionSkin skin(SkinText);
     const auto& pack = skin.pack;
     const struct {
         std::string_view action;
@@ -110,16 +110,10 @@ TEST(BangOperations, askTheHost) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(skin.run(row.action), row.log) << row.action;
-    skin.runtime->onRefreshAppRequest = nullptr;
-    skin.runtime->onDeactivateConfigRequest = nullptr;
-    EXPECT_THAT(
-        skin.run("[!RainmeterRefreshApp][!DeactivateConfig x]"), ElementsAre("refresh", "deactivate", "handled"));
-    skin.runtime->onRefreshRequest = nullptr;
-    EXPECT_THAT(skin.run("[!RainmeterRefreshApp]"), ElementsAre("publish", "handled"));
 }
 
 TEST(BangOperations, controlMeasures) {
-    ActionSkin skin(Skin);
+    ActionSkin skin(SkinText);
     const auto number = [&](std::string_view name) { return skin.runtime->measure(name)->value().numericValue; };
     skin.runtime->start();
     EXPECT_EQ(number("Count"), 1);
@@ -140,7 +134,7 @@ TEST(BangOperations, controlMeasures) {
 }
 
 TEST(BangOperations, resolveTheirValues) {
-    ActionSkin skin(Skin);
+    ActionSkin skin(SkinText);
     const struct {
         std::string_view written;
         std::string_view stored;
@@ -167,7 +161,7 @@ TEST(BangOperations, resolveTheirValues) {
 }
 
 TEST(BangOperations, setOptionsOfMetersMeasuresAndGroups) {
-    ActionSkin skin(Skin);
+    ActionSkin skin(SkinText);
     skin.runtime->start();
     EXPECT_THAT(skin.run("[!SetOption a W #Width#*3]"), ElementsAre("publish", "handled"));
     EXPECT_EQ(skin.runtime->meters()[0]->frame().w, 30) << "a sensitive option lays out again";
@@ -186,7 +180,7 @@ TEST(BangOperations, setOptionsOfMetersMeasuresAndGroups) {
 }
 
 TEST(BangOperations, writeKeysAndFollowThemInVariables) {
-    ActionSkin skin(Skin);
+    ActionSkin skin(SkinText);
     EXPECT_THAT(skin.run("[!WriteKeyValue variables \" Name \" new]"), ElementsAre("handled"));
     EXPECT_NE(skin.fileText().find("\nName=new\n"), std::string::npos) << skin.fileText();
     EXPECT_EQ(skin.variable(" Name "), "new");
@@ -197,7 +191,7 @@ TEST(BangOperations, writeKeysAndFollowThemInVariables) {
 }
 
 TEST(BangOperations, layOutWhereAVariableMovesAMeter) {
-    ActionSkin skin(Skin);
+    ActionSkin skin(SkinText);
     const auto publishes = [&](std::string_view action) {
         skin.run(action);
         skin.log.clear();
@@ -214,9 +208,9 @@ TEST(BangOperations, layOutWhereAVariableMovesAMeter) {
 }
 
 TEST(BangOperations, notifyOfEveryChangeOfState) {
-    ActionSkin skin(Skin);
+    ActionSkin skin(SkinText);
     int changes = 0;
-    skin.runtime->onStateDidChange = [&](const WidgetRuntimeState& state) {
+    skin.host.onStateChange = [&](const WidgetRuntimeState& state) {
         ++changes;
         EXPECT_EQ(state.variables.at("Name"), "start");
     };
@@ -227,7 +221,7 @@ TEST(BangOperations, notifyOfEveryChangeOfState) {
 }
 
 TEST(BangOperations, askForInputAndAnswerThroughTheMeasure) {
-    ActionSkin skin(Skin);
+    ActionSkin skin(SkinText);
     skin.run("[!PluginBang \"Ask ExecuteBatch 1\"]");
     skin.runtime->submitInputText("ASK", "two words");
     EXPECT_EQ(skin.variable("Answer"), "two words");
@@ -238,7 +232,7 @@ TEST(BangOperations, askForInputAndAnswerThroughTheMeasure) {
 }
 
 TEST(BangOperations, boundTextsThatGrowByThemselves) {
-    ActionSkin skin(Skin);
+    ActionSkin skin(SkinText);
     for (int i = 0; i < 64; ++i)
         skin.run("[!SetVariable Name \"#Name##Name#\"][!SetOption A Text \"[A:X]#Name#\"]");
     EXPECT_LE(skin.variable("Name").size(), std::size_t(1) << 21);

@@ -1,7 +1,7 @@
 #include "OstrelEngine/Host/CanvasInput.h"
 
-#include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Host/FakeMeter.h"
+#include "OstrelEngine/Host/FakePointerClient.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,31 +13,14 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Options = std::initializer_list<std::pair<std::string_view, std::string>>;
 
-/// Meters that a test places, under a canvas input that writes down what it does: actions as they are, events as
-/// "kind x,y meter".
-class Canvas {
+/// Meters that a test places, under a canvas input that writes down what it does.
+class Canvas : private InputFieldView {
 public:
     Canvas() {
-        input.onAction = [this](const std::string& action) {
-            log.push_back(action);
-            if (onAction)
-                onAction(action);
-        };
-        input.onMouseEvent = [this](MouseEventKind kind, Point point, const std::optional<std::string>& name) {
-            static constexpr const char* Kinds[] = {"down", "drag", "up", "scrollUp", "scrollDown"};
-            log.push_back(std::string(Kinds[static_cast<int>(kind)]) + " " + formatNumeric(point.x) + ","
-                + formatNumeric(point.y) + " " + name.value_or("-"));
-        };
-        input.onInputSubmit = [this](const std::string& measure, const std::string& value) {
-            log.push_back("submit " + measure + " " + value);
-        };
-        input.onInputDismiss = [this](const std::string& measure) { log.push_back("dismiss " + measure); };
-        input.onCommandScroll = [this](WidgetCommandScrollDirection direction) {
-            log.emplace_back(direction == WidgetCommandScrollDirection::up ? "command up" : "command down");
-        };
-        input.onFieldChange = [this](const std::optional<InputTextPresentation>& field) {
-            log.push_back(field ? "field " + field->measureName : "no field");
-        };
+        auto rules = std::make_unique<MeterPointer>(drawables, client);
+        pointer = rules.get();
+        input.connect(std::move(rules), client);
+        input.setFieldView(this);
     }
 
     FakeMeter& add(std::string name, MeterFrame frame, Options options = {}) {
@@ -54,9 +37,15 @@ public:
     std::vector<std::string> taken() { return std::exchange(log, {}); }
 
     std::vector<Drawable> drawables;
-    CanvasInput input{drawables};
-    std::vector<std::string> log;
-    std::function<void(const std::string&)> onAction;
+    std::shared_ptr<FakePointerClient> client = std::make_shared<FakePointerClient>();
+    std::vector<std::string>& log = client->log;
+    CanvasInput input;
+    const MeterPointer* pointer = nullptr;
+
+private:
+    void showField(const std::optional<InputTextPresentation>& field) override {
+        log.push_back(field ? "field " + field->measureName : "no field");
+    }
 };
 
 TEST(CanvasInput, hitsTheTopmostRectangle) {
@@ -65,7 +54,7 @@ TEST(CanvasInput, hitsTheTopmostRectangle) {
     canvas.add("Above", {50, 50, 10, 10});
     canvas.add("Flat", {0, 0, 100, 0});
     const auto name = [&](Point point) {
-        const auto* hit = canvas.input.topmostDrawable(point);
+        const auto* hit = canvas.pointer->topmostDrawable(point);
         return hit ? hit->meter->name() : "-";
     };
     EXPECT_EQ(name({50, 50}), "Above");
@@ -93,7 +82,7 @@ TEST(CanvasInput, hoversOverOneMeterAtATime) {
 TEST(CanvasInput, survivesAHoverActionThatChangesWhatLiesThere) {
     Canvas canvas;
     canvas.add("Face", {0, 0, 10, 10}, {{"MouseOverAction", "swap"}, {"MouseLeaveAction", "leave Face"}});
-    canvas.onAction = [&](const std::string& action) {
+    canvas.client->onAction = [&](const std::string& action) {
         if (action == "swap") {
             canvas.remove("Face");
             canvas.add("Back", {0, 0, 10, 10}, {{"MouseOverAction", "over Back"}, {"MouseLeaveAction", "leave Back"}});
@@ -110,14 +99,14 @@ TEST(CanvasInput, keepsAPressedMeterThroughADrag) {
     Canvas canvas;
     canvas.add("A", {0, 0, 10, 10}, {{"LeftMouseDownAction", "down A"}, {"LeftMouseDragAction", "drag A"}});
     canvas.add("B", {10, 0, 10, 10}, {{"LeftMouseUpAction", "up B $MouseX:$"}});
-    EXPECT_EQ(canvas.input.mouseDown({1, 1}), CanvasInput::Press::meter);
+    EXPECT_EQ(canvas.input.mouseDown({1, 1}), Press::meter);
     canvas.input.mouseDragged({12, 1});
     canvas.input.mouseUp({12, 1});
     EXPECT_THAT(canvas.taken(), ElementsAre("down A", "down 1,1 A", "drag A", "drag 12,1 A", "up 12,1 A", "up B 2"));
     canvas.input.mouseUp({5, 1});
     canvas.input.mouseDragged({15, 1});
     EXPECT_THAT(canvas.taken(), ElementsAre("up 5,1 A", "drag 15,1 B"));
-    EXPECT_EQ(canvas.input.mouseDown({50, 1}), CanvasInput::Press::background);
+    EXPECT_EQ(canvas.input.mouseDown({50, 1}), Press::background);
     canvas.input.mouseUp({50, 1});
     EXPECT_THAT(canvas.taken(), ElementsAre("down 50,1 -", "up 50,1 -"));
 }
@@ -159,7 +148,7 @@ TEST(CanvasInput, stepsOnceForEachCommandGesture) {
     Canvas canvas;
     canvas.add("A", {0, 0, 10, 10}, {{"MouseScrollUpAction", "up"}});
     const auto scroll = [&](double delta, bool precise, ScrollPhase phase, ScrollPhase momentum, double uptime) {
-        canvas.input.scrollWheel({{1, 1}, delta, precise, phase, momentum, true, uptime});
+        canvas.input.scrollWheel({{1, 1}, delta, precise, phase, momentum, true, false, uptime});
         return canvas.taken().size();
     };
     EXPECT_EQ(scroll(1, false, none, none, 1), 1U);
@@ -172,8 +161,7 @@ TEST(CanvasInput, stepsOnceForEachCommandGesture) {
         EXPECT_EQ(scroll(1, true, phase, none, 9), 0U);
     EXPECT_EQ(scroll(1, true, none, changed, 99), 0U);
     canvas.input.scrollWheel({.point = {1, 1}, .delta = 2, .isCommandHeld = true});
-    canvas.input.isCommandScrollReversed = [] { return true; };
-    canvas.input.scrollWheel({.point = {1, 1}, .delta = 2, .isCommandHeld = true});
+    canvas.input.scrollWheel({.point = {1, 1}, .delta = 2, .isCommandHeld = true, .isCommandReversed = true});
     EXPECT_THAT(canvas.taken(), ElementsAre("command up", "command down"));
 }
 
@@ -183,22 +171,22 @@ TEST(CanvasInput, holdsOneInputField) {
     InputTextPresentation field;
     field.measureName = "Ask";
     field.frame = {10, 10, 20, 10};
-    canvas.input.presentInput(field);
+    canvas.input.promptInput(field);
     field.measureName = "Other";
-    canvas.input.presentInput(field);
+    canvas.input.promptInput(field);
     EXPECT_THAT(canvas.taken(), ElementsAre("field Ask", "no field", "field Other")) << "replaced without a word";
-    EXPECT_EQ(canvas.input.mouseDown({10, 19}), CanvasInput::Press::field);
+    EXPECT_EQ(canvas.input.mouseDown({10, 19}), Press::field);
     EXPECT_THAT(canvas.taken(), IsEmpty());
-    EXPECT_EQ(canvas.input.mouseDown({30, 15}), CanvasInput::Press::field);
+    EXPECT_EQ(canvas.input.mouseDown({30, 15}), Press::field);
     EXPECT_THAT(canvas.taken(), ElementsAre("no field", "dismiss Other")) << "the click is spent";
 
     field.focusDismiss = false;
-    canvas.input.presentInput(field);
-    EXPECT_EQ(canvas.input.mouseDown({30, 15}), CanvasInput::Press::meter);
+    canvas.input.promptInput(field);
+    EXPECT_EQ(canvas.input.mouseDown({30, 15}), Press::meter);
     canvas.input.submitActiveInput("text");
     canvas.input.submitActiveInput("late");
     canvas.input.dismissActiveInputByUser();
-    canvas.input.dismissInput();
+    canvas.input.promptInput(std::nullopt);
     EXPECT_THAT(canvas.taken(), ElementsAre("field Other", "down A", "down 30,15 A", "no field", "submit Other text"));
 }
 
@@ -206,29 +194,26 @@ TEST(CanvasInput, anAnswerMayAskAgain) {
     Canvas canvas;
     InputTextPresentation field;
     field.measureName = "Ask";
-    canvas.input.onInputSubmit = [&](const std::string&, const std::string& value) {
-        canvas.log.push_back(value);
-        canvas.input.presentInput(field);
+    canvas.client->onSubmit = [&] {
+        canvas.input.promptInput(field);
         canvas.input.submitActiveInput("a toolkit's late report");
     };
-    canvas.input.presentInput(field);
+    canvas.input.promptInput(field);
     canvas.input.submitActiveInput("1");
     EXPECT_TRUE(canvas.input.activeInput());
     canvas.taken();
     canvas.input.submitActiveInput("2");
-    EXPECT_THAT(canvas.taken(), ElementsAre("no field", "2", "field Ask"));
+    EXPECT_THAT(canvas.taken(), ElementsAre("no field", "submit Ask 2", "field Ask"));
 }
 
-TEST(CanvasInput, withoutCallbacksNothingHappens) {
-    std::vector<Drawable> drawables;
-    CanvasInput input(drawables);
+TEST(CanvasInput, withoutASkinNothingHappens) {
+    CanvasInput input;
     input.mouseMoved({1, 1});
     input.mouseDown({1, 1});
     input.mouseDragged({1, 1});
     input.mouseUp({1, 1});
     EXPECT_FALSE(input.scrollWheel({.point = {1, 1}, .delta = 1}));
-    EXPECT_TRUE(input.scrollWheel({.point = {1, 1}, .delta = 1, .isCommandHeld = true}));
-    input.presentInput({});
+    input.promptInput(InputTextPresentation());
     input.submitActiveInput("");
     EXPECT_FALSE(input.activeInput());
 }

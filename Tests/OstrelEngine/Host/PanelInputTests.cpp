@@ -2,6 +2,8 @@
 
 #include "OstrelEngine/Host/FakeDesktop.h"
 #include "OstrelEngine/Host/FakeMeter.h"
+#include "OstrelEngine/Host/FakePanelClient.h"
+#include "OstrelEngine/Host/FakePointerClient.h"
 #include "OstrelEngine/Host/WidgetCanvasView.h"
 
 #include <QClipboard>
@@ -26,12 +28,9 @@ protected:
         meter->setOption("MouseLeaveAction", "leave");
         meter->setOption("MouseScrollDownAction", "scroll");
         view.setDrawables(std::vector<Drawable>{{meter, {}}});
-        auto& input = view.input();
-        input.onAction = [this](const std::string& action) { log.push_back(action); };
-        input.onInputSubmit = [this](const std::string&, const std::string& text) { log.push_back("= " + text); };
-        input.onInputDismiss = [this](const std::string&) { log.emplace_back("dismissed"); };
-        input.onCommandScroll = [this](auto) { log.emplace_back("command"); };
-        panel.onContextAction = [this](WidgetContextAction action) {
+        pointer->recordsEvents = false;
+        view.input().connect(std::make_unique<MeterPointer>(view.canvas().drawables(), pointer), pointer);
+        client.onContextAction = [this](WidgetContextAction action) {
             log.emplace_back(action == WidgetContextAction::unrender ? "unrender" : "freeze");
         };
         panel.pinToDesktopLayer();
@@ -67,15 +66,17 @@ protected:
         presentation.frame = {60, 10, 80, 20};
         presentation.defaultValue = "old";
         presentation.isPassword = isPassword;
-        view.input().presentInput(presentation);
+        view.input().promptInput(presentation);
         return shown<InputField>();
     }
 
     FakeDesktop desktop;
     WidgetCanvasView view{CanvasBackground{}};
     std::shared_ptr<FakeMeter> meter = std::make_shared<FakeMeter>("M", MeterFrame{0, 0, 50, 40});
-    WidgetPanel panel{{100, 40}, {100, 100}, view, desktop};
-    std::vector<std::string> log;
+    FakePanelClient client;
+    WidgetPanel panel{{100, 40}, {100, 100}, view, desktop, client};
+    std::shared_ptr<FakePointerClient> pointer = std::make_shared<FakePointerClient>();
+    std::vector<std::string>& log = pointer->log;
 };
 
 TEST_F(PanelInputTest, aPressOnAnActingMeterDoesNotMoveThePanel) {
@@ -111,7 +112,7 @@ TEST_F(PanelInputTest, hoversAndScrolls) {
         wheel({10, 10}, part, Qt::ControlModifier);
     QEvent leave(QEvent::Leave);
     QCoreApplication::sendEvent(&panel, &leave);
-    EXPECT_THAT(log, ElementsAre("over", "scroll", "command", "command", "leave"));
+    EXPECT_THAT(log, ElementsAre("over", "scroll", "command down", "command down", "leave"));
 }
 
 TEST_F(PanelInputTest, theFieldLiesOverThePanelAndAnswers) {
@@ -129,16 +130,16 @@ TEST_F(PanelInputTest, theFieldLiesOverThePanelAndAnswers) {
     QCoreApplication::processEvents();
     EXPECT_EQ(field->position(), panel.position() + QPoint(60, 10)) << "it follows the panel";
     key(field, Qt::Key_Return);
-    EXPECT_THAT(log, ElementsAre("= \u00EBw"));
+    EXPECT_THAT(log, ElementsAre("submit Ask \u00EBw"));
     EXPECT_FALSE(shown<InputField>());
 }
 
 TEST_F(PanelInputTest, theFieldIsDismissedByEscapeAndByAClickOutside) {
     key(openField(), Qt::Key_Escape);
-    EXPECT_THAT(log, ElementsAre("dismissed"));
+    EXPECT_THAT(log, ElementsAre("dismiss Ask"));
     openField();
     mouse(QEvent::MouseButtonPress, {10, 10});
-    EXPECT_THAT(log, ElementsAre("dismissed", "dismissed"));
+    EXPECT_THAT(log, ElementsAre("dismiss Ask", "dismiss Ask"));
     EXPECT_FALSE(shown<InputField>());
 }
 
@@ -169,7 +170,7 @@ TEST_F(PanelInputTest, aPasswordStaysInItsField) {
     EXPECT_EQ(query.value(Qt::ImSurroundingText).toString(), "");
     EXPECT_TRUE(query.value(Qt::ImHints).toInt() & Qt::ImhHiddenText);
     key(field, Qt::Key_Enter);
-    EXPECT_THAT(log, ElementsAre("= old"));
+    EXPECT_THAT(log, ElementsAre("submit Ask old"));
 }
 
 TEST_F(PanelInputTest, theContextMenuActsByPointerAndKeys) {

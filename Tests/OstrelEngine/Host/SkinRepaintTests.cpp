@@ -6,6 +6,7 @@
 #include "OstrelEngine/Runtime/SkinRuntime.h"
 #include "OstrelPlatform/AudioSpectrum.h"
 #include "Support/FakePlatform.h"
+#include "Support/FakeSkinHost.h"
 
 #include <QImage>
 
@@ -43,10 +44,10 @@ public:
         fake_.platform.audioSpectrum = &spectrum_;
         DiskFileProvider files;
         DiagnosticCollector diagnostics;
-        runtime_ = SkinRuntime::create(SkinLoader(files, diagnostics).load(path).value(), fake_.platform);
+        runtime_ = SkinRuntime::create(SkinLoader(files, diagnostics).load(path).value(), fake_.platform, host_);
         background_ = backgroundOf(runtime_->config());
         kept_.setBackground(background_);
-        runtime_->onUpdate = [this](const auto& drawables) { compare(drawables); };
+        host_.onPublish = [this](const auto& drawables) { compare(drawables); };
         fake_.host.swapSpace = MemoryFigures{1e9, 4e9};
     }
 
@@ -95,6 +96,7 @@ private:
     double scale_;
     FakePlatform fake_;
     MovingSpectrum spectrum_;
+    FakeSkinHost host_;
     std::shared_ptr<SkinRuntime> runtime_;
     CanvasBackground background_;
     WidgetCanvas kept_;

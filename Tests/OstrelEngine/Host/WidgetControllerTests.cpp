@@ -3,11 +3,10 @@
 #include "OstrelCore/Documents/FileProvider.h"
 #include "OstrelCore/Documents/SkinLoader.h"
 #include "OstrelEngine/Host/BackgroundOptions.h"
-#include "OstrelEngine/Host/CanvasInput.h"
-#include "OstrelEngine/Host/CanvasWiring.h"
 #include "OstrelEngine/Host/FakeDesktop.h"
 #include "OstrelEngine/Runtime/SkinRuntime.h"
 #include "Support/FakePlatform.h"
+#include "Support/FakeSkinHost.h"
 #include "Support/TemporaryFolder.h"
 
 #include <QImage>
@@ -173,14 +172,19 @@ TEST_F(WidgetControllerTest, aClickSeesTheHostAsItIsNow) {
         std::optional<NetworkBytes> sample;
     } host;
     Platform platform{fake.clock, fake.queue, host, fake.fonts, fake.network};
-    const auto runtime = SkinRuntime::create(load("[Net]\nMeasure=NetIn\nUpdateDivider=-1\n"), platform);
-    const std::vector<Drawable> none;
-    CanvasInput input(none);
-    connectCanvas(input, runtime, host);
+    FakeSkinHost skinHost;
+    const auto skin
+        = SkinRuntime::create(load("[Net]\nMeasure=NetIn\nUpdateDivider=-1\n[Box]\nMeter=Stub\nX=0\nY=24\nW=10\nH=10\n"
+                                   "LeftMouseUpAction=[!UpdateMeasure Net]\n"),
+            platform, skinHost);
+    std::vector<Drawable> shown;
+    skinHost.onPublish = [&](const auto& drawables) { shown = drawables; };
+    skin->redraw();
+    const auto pointer = skin->makePointerRules(shown);
     const auto received = [&](std::uint64_t bytes) {
         host.network = NetworkBytes{bytes, 0};
-        input.onAction("[!UpdateMeasure Net]");
-        return runtime->measure("Net")->value().numericValue;
+        pointer->mouseUp({5, 30}, PointerButton::left);
+        return skin->measure("Net")->value().numericValue;
     };
     EXPECT_EQ(received(1000), 0);
     EXPECT_EQ(received(1500), 500);

@@ -2,6 +2,7 @@
 
 #include "OstrelEngine/Host/FakeDesktop.h"
 #include "OstrelEngine/Host/FakeMeter.h"
+#include "OstrelEngine/Host/FakePanelClient.h"
 #include "OstrelEngine/Host/WidgetCanvasView.h"
 
 #include <QGuiApplication>
@@ -16,8 +17,7 @@ namespace {
 class WidgetPanelTest : public testing::Test {
 protected:
     void open(Size size, Point origin = {100, 100}) {
-        panel = std::make_unique<WidgetPanel>(size, origin, view, desktop);
-        panel->onMoved = [this](Point moved) { moves.push_back(moved); };
+        panel = std::make_unique<WidgetPanel>(size, origin, view, desktop, client);
     }
 
     void send(QEvent::Type type, QPoint global) {
@@ -45,7 +45,8 @@ protected:
     FakeDesktop desktop;
     WidgetCanvasView view{CanvasBackground{}};
     std::unique_ptr<WidgetPanel> panel;
-    std::vector<Point> moves;
+    FakePanelClient client;
+    std::vector<Point>& moves = client.moves;
 };
 
 TEST_F(WidgetPanelTest, liesAtItsOriginAndGrowsUpward) {

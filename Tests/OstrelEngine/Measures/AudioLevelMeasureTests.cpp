@@ -27,7 +27,7 @@ struct AudioLevelMeasureTest : testing::Test {
     }
     BaseMeasure& add(std::string name, MeasureTable::Pairs options) {
         auto& measure = table->add(std::move(name), "Plugin", options);
-        measure.resolveMeasureReferences(table);
+        measure.resolveReferences();
         return measure;
     }
     BaseMeasure& addRoot(std::string name, std::string bands) {

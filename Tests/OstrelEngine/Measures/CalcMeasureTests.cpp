@@ -72,22 +72,6 @@ TEST(CalcMeasure, readsItsOwnPreviousValue) {
     EXPECT_EQ(counter.value().numericValue, 4);
 }
 
-TEST(CalcMeasure, keepsNamesAsWrittenWithoutAnOwner) {
-    auto table = MeasureTable::create();
-    table->addNumber("Cpu", "5");
-    MeasureDefinition definition{"F", "Calc", std::nullopt, {}};
-    definition.allOptions.set("Formula", "Cpu");
-    CalcMeasure measure(definition, "");
-    measure.update();
-    EXPECT_EQ(measure.value().numericValue, 0);
-    measure.resolveMeasureReferences(table);
-    measure.update();
-    EXPECT_EQ(measure.value().numericValue, 5);
-    table.reset();
-    measure.update();
-    EXPECT_EQ(measure.value().numericValue, 0);
-}
-
 TEST(CalcMeasure, averagesOverTheLastValues) {
     const struct {
         std::string size;
@@ -136,8 +120,7 @@ TEST(CalcMeasure, isAsFreshAfterAnySequenceOfChanges) {
         if (draw % 11 == 0)
             kept.setOption("Formula", formulas[draw / 11 % std::size(formulas)]);
         MeasureDefinition definition{"Fresh", "Calc", std::nullopt, kept.options()};
-        CalcMeasure fresh(definition, "");
-        fresh.resolveMeasureReferences(table);
+        CalcMeasure fresh(definition, "", *table);
         fresh.update();
         kept.update();
         ASSERT_EQ(fresh.value().stringValue, kept.value().stringValue) << "step " << step;

@@ -67,7 +67,7 @@ protected:
     }
     BaseMeasure& addLinked(std::string name, std::string_view key, std::string value) {
         auto& measure = add(std::move(name), key, std::move(value));
-        measure.resolveMeasureReferences(table);
+        measure.resolveReferences();
         return measure;
     }
 
@@ -131,7 +131,7 @@ TEST_F(ChameleonTest, showsWhatItsParentShows) {
         EXPECT_EQ(shown(orphan), "0,0,255,255") << name;
     }
     auto& own = add("Own", "Parent", "Own");
-    own.resolveMeasureReferences(table);
+    own.resolveReferences();
     setAndUpdate(own, "Path", "/b.png");
     EXPECT_EQ(shown(own), "255,255,255,255");
 }

@@ -1,8 +1,7 @@
 #include "OstrelEngine/Measures/InputTextMeasure.h"
 
 #include "OstrelCore/Text/Text.h"
-#include "OstrelEngine/Measures/MeasureFactory.h"
-#include "Support/FakePlatform.h"
+#include "OstrelEngine/Measures/MeasureTable.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,12 +20,7 @@ struct Input {
         MeasureDefinition definition{"Ask", "Plugin", "InputText.dll", {}};
         for (const auto& [key, value] : options)
             definition.allOptions.set(key, value);
-        FakePlatform fake;
-        made = MeasureFactory::create(definition, "/s.ini", fake.platform);
-        measure = dynamic_cast<InputTextMeasure*>(made.get());
-        measure->onAction = [this](std::string_view action) { log.emplace_back(action); };
-        measure->onInputRequested = [this](const InputTextPresentation&) { log.emplace_back("?"); };
-        measure->onInputDismissRequested = [this] { log.emplace_back("x"); };
+        measure = std::make_unique<InputTextMeasure>(definition, "/s.ini", host);
     }
 
     std::vector<std::string> afterCommand(std::string_view command) {
@@ -35,9 +29,9 @@ struct Input {
         return log;
     }
 
-    std::unique_ptr<BaseMeasure> made;
-    InputTextMeasure* measure = nullptr;
-    std::vector<std::string> log;
+    MeasureTable host;
+    std::vector<std::string>& log = host.log;
+    std::unique_ptr<InputTextMeasure> measure;
 };
 
 std::string answered(Input::Pairs options, std::string_view answer) {
@@ -100,16 +94,14 @@ TEST(InputTextMeasure, asksForAVariable) {
 
 TEST(InputTextMeasure, keepsItsOrderWhenAnActionComesBack) {
     Input input({{"Command1", "again"}, {"Command2", "after"}});
-    input.measure->onAction = [&](std::string_view action) {
-        input.log.emplace_back(action);
+    input.host.onAction = [&](std::string_view) {
         if (input.log.size() == 1)
             input.measure->executeCommand("ExecuteBatch 2");
     };
     EXPECT_THAT(input.afterCommand("ExecuteBatch All"), ElementsAre("again", "after", "after"));
 
     Input asking({{"Command1", "again"}, {"Command2", "after"}, {"Command4", "$UserInput$"}, {"Command5", "last"}});
-    asking.measure->onAction = [&](std::string_view action) {
-        asking.log.emplace_back(action);
+    asking.host.onAction = [&](std::string_view action) {
         if (action == "again")
             asking.measure->executeCommand("ExecuteBatch 4-5");
     };

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/InputTextPresentation.h"
 #include "OstrelEngine/Measures/MeasureFactory.h"
+#include "OstrelEngine/Measures/MeasureHost.h"
 #include "Support/FakePlatform.h"
 
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <optional>
@@ -13,8 +17,9 @@
 
 namespace Ostrel {
 
-/// Measures by name, as a running skin has them.
-class MeasureTable final : public MeasuresOwner, public std::enable_shared_from_this<MeasureTable> {
+/// Measures by name, as a running skin has them. Writes down what they ask for: actions as they are, "?" for a prompt,
+/// "x" for its end.
+class MeasureTable final : public MeasureHost {
 public:
     using Pairs = std::initializer_list<std::pair<std::string_view, std::string>>;
 
@@ -26,7 +31,7 @@ public:
             definition.allOptions.set(key, value);
         if (const auto* plugin = definition.allOptions.find("Plugin"))
             definition.pluginName = *plugin;
-        measures_.push_back(MeasureFactory::create(definition, "/skin.ini", fake.platform));
+        measures_.push_back(MeasureFactory::create(definition, "/skin.ini", fake.platform, *this));
         return *measures_.back();
     }
     /// A number that the test sets through the option Formula.
@@ -38,7 +43,7 @@ public:
     /// A measure that sees the others, updated once.
     BaseMeasure& addLinked(std::string name, std::string type, Pairs options) {
         auto& measure = add(std::move(name), std::move(type), options);
-        measure.resolveMeasureReferences(weak_from_this());
+        measure.resolveReferences();
         measure.update();
         return measure;
     }
@@ -50,7 +55,18 @@ public:
         return nullptr;
     }
 
+    void runAction(const BaseMeasure&, std::string_view action) override {
+        log.emplace_back(action);
+        if (onAction)
+            onAction(action);
+    }
+    void promptInput(const std::optional<InputTextPresentation>& presentation) override {
+        log.emplace_back(presentation ? "?" : "x");
+    }
+
     FakePlatform fake;
+    std::vector<std::string> log;
+    std::function<void(std::string_view)> onAction;
 
 private:
     std::vector<std::unique_ptr<BaseMeasure>> measures_;

@@ -24,10 +24,8 @@ struct NowPlayingMeasureTests : testing::Test {
         queues.push_back(made.get());
         return made;
     }
-    NowPlayingMeasure& add(std::string name, MeasureTable::Pairs options, std::string type = "NowPlaying") {
-        auto& measure = dynamic_cast<NowPlayingMeasure&>(table->add(std::move(name), std::move(type), options));
-        measure.onTrackChangeAction = [this](std::string_view action) { actions.emplace_back(action); };
-        return measure;
+    BaseMeasure& add(std::string name, MeasureTable::Pairs options, std::string type = "NowPlaying") {
+        return table->add(std::move(name), std::move(type), options);
     }
     /// The player answers a poll of the measures' bridge, and the measure shows it.
     void show(BaseMeasure& measure, const std::string& text) {
@@ -40,10 +38,10 @@ struct NowPlayingMeasureTests : testing::Test {
     }
 
     std::shared_ptr<MeasureTable> table = MeasureTable::create();
+    std::vector<std::string>& actions = table->log;
     std::vector<VirtualSerialQueue*> queues;
     std::string answer = "NOT_RUNNING";
     std::vector<std::string> scripts;
-    std::vector<std::string> actions;
     std::vector<std::string> log;
     MediaPlayerBridges bridges{{.makeTransport =
                                     [this] {
@@ -119,7 +117,7 @@ TEST_F(NowPlayingMeasureTests, writesTimes) {
 TEST_F(NowPlayingMeasureTests, runsItsActionForEachTrack) {
     auto& owner = add("Owner", {{"PlayerName", "Spotify"}, {"TrackChangeAction", "[!Log x]"}});
     auto& child = add("Child", {{"PlayerName", "[Owner]"}, {"TrackChangeAction", "[!Log child]"}});
-    child.resolveMeasureReferences(table);
+    child.resolveReferences();
     const auto play = [&](BaseMeasure& measure, const char* id) {
         show(measure, std::string(R"({"state":"1","trackIdentifier":")") + id + "\"}");
     };
@@ -153,7 +151,7 @@ TEST_F(NowPlayingMeasureTests, findsItsParent) {
         {"[]", nullptr}, {"[", nullptr}, {"", nullptr}};
     for (const auto& row : rows) {
         auto& measure = add("Child", {{"PlayerName", row.player}});
-        measure.resolveMeasureReferences(table);
+        measure.resolveReferences();
         measure.update();
         EXPECT_EQ(measure.value().stringValue, row.script ? "0" : "") << row.player;
         EXPECT_TRUE(measure.executeCommand("OpenPlayer"));

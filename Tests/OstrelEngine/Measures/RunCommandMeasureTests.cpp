@@ -1,4 +1,4 @@
-#include "OstrelEngine/Measures/MeasureFactory.h"
+#include "OstrelEngine/Measures/MeasureTable.h"
 #include "Support/FakePlatform.h"
 #include "Support/FakeWorkspace.h"
 #include "Support/TemporaryFolder.h"
@@ -26,7 +26,7 @@ protected:
         definition.allOptions.set("Program", std::string(program));
         definition.allOptions.set("Parameter", std::string(parameter));
         fake.platform.workspace = &workspace;
-        measure = MeasureFactory::create(definition, skinFolder() + "/skin.ini", fake.platform);
+        measure = MeasureFactory::create(definition, skinFolder() + "/skin.ini", fake.platform, host);
         return *measure;
     }
     std::string skinFolder() const { return folder.path() + "/Pack/Skin/Deep"; }
@@ -44,6 +44,7 @@ protected:
     std::vector<std::string> log;
     FakeWorkspace workspace{log};
     FakePlatform fake;
+    MeasureTable host;
     std::unique_ptr<BaseMeasure> measure;
 };
 
@@ -129,7 +130,7 @@ TEST_F(RunCommandTest, tellsThatNothingCouldBeStarted) {
     EXPECT_EQ(outcome(), "1 1 of 0..1") << "whether a URL was opened is not looked at";
     make("local");
     fake.platform.workspace = nullptr;
-    measure = MeasureFactory::create(measure->definition(), measure->skinPath(), fake.platform);
+    measure = MeasureFactory::create(measure->definition(), measure->skinPath(), fake.platform, host);
     measure->executeCommand("");
     EXPECT_EQ(outcome(), "LAUNCH_FAILED! 0 of 0..0");
 }

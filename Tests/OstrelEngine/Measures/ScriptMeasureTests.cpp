@@ -1,4 +1,4 @@
-#include "OstrelEngine/Measures/ScriptMeasure.h"
+#include "OstrelEngine/Measures/MeasureTable.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,23 +13,15 @@ struct Script {
     using Pairs = std::initializer_list<std::pair<std::string_view, std::string>>;
 
     explicit Script(Pairs options)
-        : measure(definition(options), "/s.ini") {
-        measure.onAction = [this](std::string_view action) { log.emplace_back(action); };
-    }
-    static MeasureDefinition definition(Pairs options) {
-        MeasureDefinition result{"Lua", "Script", std::nullopt, {}};
-        for (const auto& [key, value] : options)
-            result.allOptions.set(key, value);
-        return result;
-    }
+        : measure(host.add("Lua", "Script", options)) { }
     std::vector<std::string> afterCommand(std::string_view command) {
-        log.clear();
+        host.log.clear();
         measure.executeCommand(command);
-        return log;
+        return host.log;
     }
 
-    ScriptMeasure measure;
-    std::vector<std::string> log;
+    MeasureTable host;
+    BaseMeasure& measure;
 };
 
 } // namespace

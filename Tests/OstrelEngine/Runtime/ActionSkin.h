@@ -5,6 +5,7 @@
 #include "OstrelEngine/Runtime/SkinRuntime.h"
 #include "OstrelPlatform/VirtualTime.h"
 #include "Support/FakePlatform.h"
+#include "Support/FakeSkinHost.h"
 #include "Support/FakeWorkspace.h"
 #include "Support/TemporaryFolder.h"
 
@@ -28,8 +29,7 @@ public:
         auto config = SkinLoader(files, diagnostics).load(path).value();
         auto platform = fakes.platform;
         platform.workspace = &workspace;
-        runtime = SkinRuntime::create(std::move(config), platform);
-        record();
+        runtime = SkinRuntime::create(std::move(config), platform, host);
     }
 
     /// What the action asked for, "handled" at its end when it was.
@@ -65,24 +65,10 @@ public:
     /// The pack's folder, in which the skin's own lies as "Skin".
     std::string pack;
     FakePlatform fakes;
-    std::vector<std::string> log;
+    FakeSkinHost host;
+    std::vector<std::string>& log = host.log;
     FakeWorkspace workspace{log};
     std::shared_ptr<SkinRuntime> runtime;
-
-private:
-    void record() {
-        runtime->onUpdate = [this](const auto&) { log.emplace_back("publish"); };
-        runtime->onDeactivateRequest = [this] { log.emplace_back("deactivate"); };
-        runtime->onDeactivateConfigRequest = [this](const std::string& file) { log.push_back("deactivate " + file); };
-        runtime->onActivateConfigRequest = [this](const std::string& file, bool toggle) {
-            log.push_back((toggle ? "toggle " : "activate ") + file);
-        };
-        runtime->onRefreshRequest = [this] { log.emplace_back("refresh"); };
-        runtime->onRefreshAppRequest = [this] { log.emplace_back("refreshApp"); };
-        runtime->onInputTextPrompt = [this](const auto& presentation) {
-            log.push_back(presentation ? "input " + presentation->measureName : "dismiss");
-        };
-    }
 };
 
 } // namespace Ostrel

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace Ostrel {
 namespace {
 
@@ -114,7 +116,7 @@ TEST(SkinRuntimeTests, publishesShownMetersWithTheirValues) {
         "[Hidden]\nMeter=Roundline\nHidden=1\n[Expression]\nMeter=Roundline\nHidden=(2>1)\n"
         "[Off]\nMeter=Roundline\nHidden=#Off#\n");
     std::vector<double> numbers;
-    skin.runtime->onUpdate = [&](const std::vector<Drawable>& drawables) {
+    skin.host.onPublish = [&](const std::vector<Drawable>& drawables) {
         skin.shown.clear();
         for (const auto& drawable : drawables) {
             skin.shown.push_back(drawable.meter->name());
@@ -166,22 +168,18 @@ TEST(SkinRuntimeTests, resolvesOptionsOfDynamicShapes) {
 
 TEST(SkinRuntimeTests, dismissesTheInputFieldWheneverItStops) {
     RunningSkin skin(countingSkin("", ""));
-    int dismissals = 0;
-    skin.runtime->onInputTextPrompt = [&](const auto& presentation) {
-        EXPECT_FALSE(presentation);
-        ++dismissals;
-        skin.runtime->stop();
-    };
+    skin.host.onPrompt = [&] { skin.runtime->stop(); };
+    const auto dismissals = [&] { return std::ranges::count(skin.host.log, "dismiss"); };
     skin.runtime->start();
-    EXPECT_EQ(dismissals, 1);
+    EXPECT_EQ(dismissals(), 1);
     skin.runtime->stop();
-    EXPECT_EQ(dismissals, 2);
+    EXPECT_EQ(dismissals(), 2);
 }
 
 TEST(SkinRuntimeTests, publishesFromWithinAPublication) {
     RunningSkin skin("[Rainmeter]\n[A]\nMeter=Roundline\n[B]\nMeter=Roundline\n");
     bool isNested = false;
-    skin.runtime->onUpdate = [&](const std::vector<Drawable>& drawables) {
+    skin.host.onPublish = [&](const std::vector<Drawable>& drawables) {
         if (!std::exchange(isNested, true))
             skin.runtime->start();
         EXPECT_EQ(drawables.size(), 2u);

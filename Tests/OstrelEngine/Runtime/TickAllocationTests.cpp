@@ -34,7 +34,7 @@ TEST(TickAllocationTests, anIdleTickAllocatesNothing) {
 
 TEST(TickAllocationTests, aPublicationOfTheSameMetersAllocatesNothing) {
     RunningSkin skin(std::string(Steady) + "[Count]\nMeasure=Calc\nFormula=1-Count\n");
-    skin.runtime->onUpdate = [&](const auto&) { ++skin.published; };
+    skin.host.onPublish = [&](const auto&) { ++skin.published; };
     skin.runtime->start();
     allocationsOfTicks(skin, 10);
     const int before = skin.published;

@@ -344,9 +344,9 @@ TEST_F(SessionControllerTest, readsTheScrollDirectionWhenAsked) {
     connectPreferences(*manager, defaults);
     const auto a = folder.write("Skins/P/a.ini", Skin);
     session->renderWidget(a);
-    EXPECT_FALSE(widget(a).isCommandScrollReversed());
+    EXPECT_FALSE(widget(a).isScrollReversed());
     defaults.setBoolean("reverseCommandScrollDirection", true);
-    EXPECT_TRUE(widget(a).isCommandScrollReversed());
+    EXPECT_TRUE(widget(a).isScrollReversed());
 }
 
 } // namespace

@@ -35,6 +35,8 @@ public:
     bool deletes = false;
     std::optional<QString> answer;
     std::optional<Prompt> lastPrompt;
+    std::optional<PermissionQuestion> lastPermissions;
+    std::optional<std::vector<bool>> permissions;
 
     void choosePaths(QWidget&, std::function<void(std::optional<std::vector<std::string>>)> done) override {
         asked.push_back("open");
@@ -46,6 +48,11 @@ public:
     }
     void alert(QWidget&, const QString& title, const QString& text) override {
         asked.push_back((title + "|" + text).toStdString());
+    }
+    void askPermissions(QWidget&, const PermissionQuestion& question,
+        std::function<void(std::optional<std::vector<bool>>)> done) override {
+        lastPermissions = question;
+        done(permissions);
     }
     void ask(QWidget&, const Prompt& prompt, std::function<void(std::optional<QString>)> done) override {
         lastPrompt = prompt;

@@ -1,6 +1,7 @@
 #include "MainWindowFixture.h"
 
 #include "OstrelCore/UserPreferenceKeys.h"
+#include "OstrelGUI/PackChoices.h"
 #include "OstrelGUI/Window/Controls.h"
 #include "OstrelGUI/Window/MediaPlayerMenuView.h"
 
@@ -73,6 +74,35 @@ TEST_F(WindowTest, theScrollDirectionIsSetByTheKeyboard) {
     EXPECT_THAT(defaults.boolean(Key), Optional(false));
     QTest::keyClick(toggle, Qt::Key_Space);
     EXPECT_THAT(defaults.boolean(Key), Optional(true));
+}
+
+TEST_F(WindowTest, aPackIsAskedAboutOnceAndItsAnswersAreTakenBack) {
+    const auto path = folder.write("a.ini", "[Rainmeter]\n[S]\nMeasure=Script\nScriptFile=go.lua\n[L]\nMeter=Line\n");
+    openAndScan({folder.path()}, 1);
+    clickRow(SidebarSelection::ofScan(scans.items()[0].id));
+    EXPECT_TRUE(showsText("Uses 2 things beyond the base dialect: scripts, graphs."));
+    // Decided later: the pack runs, and is asked about the next time.
+    click("Run with the full dialect");
+    ASSERT_TRUE(dialogs->lastPermissions);
+    ASSERT_EQ(dialogs->lastPermissions->kinds.size(), 1U);
+    EXPECT_EQ(dialogs->lastPermissions->kinds[0].items, QStringList{"go.lua"});
+    EXPECT_EQ(library.calls.back(), "launch " + path);
+    const PackChoices choices(defaults);
+    const auto root = PackChoices::rootOf(path);
+    EXPECT_EQ(choices.of(root), (PackChoice{.dialect = Dialect::Full, .permissions = std::nullopt}));
+    dialogs->permissions = std::vector{true};
+    click("Render Widget");
+    const PackChoice allowed{.dialect = Dialect::Full, .permissions = PackPermissions{.scripts = true}};
+    EXPECT_EQ(choices.of(root), allowed);
+    dialogs->lastPermissions.reset();
+    click("Render Widget");
+    EXPECT_FALSE(dialogs->lastPermissions);
+    choose(Kind::settings);
+    EXPECT_TRUE(showsText("Full dialect; may use scripts"));
+    click("Take Back");
+    EXPECT_EQ(choices.of(root), PackChoice());
+    click("Full dialect");
+    EXPECT_EQ(choices.dialectOf(path), Dialect::Full);
 }
 
 TEST_F(WindowTest, theTableOfLayersIsSummedUp) {

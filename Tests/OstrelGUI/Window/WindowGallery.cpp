@@ -2,6 +2,7 @@
 //
 //     WindowGallery                          shows the window, with skins that are not there
 //     WindowGallery FOLDER [PREVIEW.png...]  writes every screen, light and dark, at both scales that matter
+#include "OstrelGUI/PackChoices.h"
 #include "OstrelGUI/ScannerViewModel.h"
 #include "OstrelGUI/Window/ContentView.h"
 #include "OstrelGUI/Window/MediaPlayerMenuView.h"
@@ -86,6 +87,8 @@ struct Gallery {
     }
 
     void addScans() {
+        PackChoices(defaults).set(
+            "/home/ada/Skins/Starlight/", {.dialect = Dialect::Full, .permissions = PackPermissions{.web = true}});
         const std::string clock = folder.write(
             "Clock.ini", "[Rainmeter]\nUpdate=1000\n[T]\nMeasure=Time\n[M]\nMeter=String\nMeasureName=T\n");
         const std::string web = folder.write("Weather.ini",
@@ -164,6 +167,15 @@ struct Gallery {
                 QStringLiteral("e.g. VLC"), {}},
             [](const auto&) {});
         saveDialog(*window, QStringLiteral("prompt"));
+        dialogs->askPermissions(*window,
+            {QStringLiteral("What may “Starlight” do?"),
+                QStringLiteral("Its skins ask for more than to draw. What you do not allow does not happen; the rest "
+                               "works. You can change this in Settings."),
+                {{QStringLiteral("Run scripts in a sandbox"), {QStringLiteral("@Resources/Weather.lua")}},
+                    {QStringLiteral("Read from the web"),
+                        {QStringLiteral("api.example.org"), QStringLiteral("img.example.org")}}}},
+            [](const auto&) {});
+        saveDialog(*window, QStringLiteral("permissions"));
         dialogs->choosePaths(*window, [](const auto&) {});
         saveDialog(*window, QStringLiteral("open"));
         appearance.dark = !dark;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OstrelEngine/Measures/MeasureHost.h"
 #include "OstrelEngine/Measures/MeasureProtocol.h"
 
 #include <cstdint>
@@ -13,7 +14,6 @@ namespace Ostrel {
 
 class FullMeasureHost;
 class ScriptHost;
-struct InputTextPresentation;
 struct PackFolders;
 struct Platform;
 
@@ -23,22 +23,17 @@ enum class Permission { Scripts, Web, Programs, Files };
 enum class LogLevel { Notice, Error, Warning, Debug };
 
 /// What a measure of the full dialect may ask of its skin. Outlives the measure. Main thread.
-class FullMeasureHost {
+class FullMeasureHost : public MeasureHost {
 public:
-    virtual ~FullMeasureHost() = default;
     virtual const PackFolders& folders() const = 0;
     virtual const Platform& platform() const = 0;
     /// `detail` is what is asked for: a host, a command line, a path. A refusal is recorded.
     virtual bool isAllowed(Permission permission, std::string_view detail) = 0;
     /// One line with skin and section, each text once a minute.
     virtual void log(LogLevel level, std::string_view section, std::string_view text) = 0;
-    /// Null when there is none; in any case.
-    virtual BaseMeasure* measure(std::string_view name) const = 0;
     /// In file order.
     virtual const std::vector<std::unique_ptr<BaseMeasure>>& allMeasures() const = 0;
-    /// Runs an action string as this section's.
-    virtual void runAction(const BaseMeasure& measure, std::string_view action) = 0;
-    /// The same while `$UserInput$` is what the user has typed: data, which is never read as a reference or a bang.
+    /// `runAction` while `$UserInput$` is what the user has typed: data, which is never read as a reference or a bang.
     virtual void runActionWithInput(const BaseMeasure& measure, std::string_view action, std::string_view input);
     /// The text with all references replaced as they are now.
     virtual std::string resolved(const BaseMeasure& measure, std::string_view raw) const = 0;
@@ -46,9 +41,6 @@ public:
     virtual std::int64_t cycleCount() const = 0;
     /// A background measure's value has arrived: it is taken over and what hangs on it runs at its next update.
     virtual void valueDidArrive(BaseMeasure& measure) = 0;
-    /// Shows the field for a line of text, whose answer comes through `submitInput` or `dismissInput` of the measure;
-    /// absent takes it away.
-    virtual void promptInput(const std::optional<InputTextPresentation>&) { }
     /// What scripts may do with the skin.
     virtual ScriptHost& scriptHost() = 0;
 };

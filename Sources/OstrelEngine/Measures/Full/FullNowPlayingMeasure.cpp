@@ -70,8 +70,9 @@ NowPlayingMeasure& FullNowPlayingMeasure::player() {
     // Options of both measures decide; their revisions only grow.
     const auto revision = 1 + optionsRevision() + (&owner == this ? 0 : owner.optionsRevision());
     if (std::exchange(madeForRevision_, revision) != revision) {
-        player_ = std::make_unique<NowPlayingMeasure>(translated(), host().folders().skinFile, host().platform());
-        player_->onTrackChangeAction = [this](std::string_view action) { host().runAction(*this, action); };
+        MeasureHost& asThis = *this;
+        player_
+            = std::make_unique<NowPlayingMeasure>(translated(), host().folders().skinFile, host().platform(), asThis);
     }
     return *player_;
 }

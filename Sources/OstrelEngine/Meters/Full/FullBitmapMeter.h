@@ -24,6 +24,7 @@ protected:
     void readOptions() override;
     void takeValues(MeasureValues values) override;
     Size contentSize(std::optional<double> width, std::optional<double> height) const override;
+    bool ignoresWrittenSize() const override { return true; }
     void drawContent(QPainter& painter) override;
     Rect contentPaintRect() const override;
 

@@ -21,6 +21,7 @@ protected:
     void readOptions() override;
     void takeValues(MeasureValues values) override;
     Size contentSize(std::optional<double>, std::optional<double>) const override { return frames_.size(); }
+    bool ignoresWrittenSize() const override { return true; }
     void drawContent(QPainter& painter) override;
     Rect contentPaintRect() const override;
 

@@ -176,7 +176,9 @@ void FullMeter::update(MeasureValues values) {
         toolTip_ = state_->toolTip.filled(values.first(std::min(values.size(), toolTipPlaces())), toolTipNumbers());
     const auto& look = state_->look;
     Size content{look.width.value_or(0), look.height.value_or(0)};
-    if (!look.width || !look.height) {
+    if (ignoresWrittenSize()) {
+        content = contentSize(std::nullopt, std::nullopt);
+    } else if (!look.width || !look.height) {
         const Size own = contentSize(look.width, look.height);
         content = {look.width.value_or(own.width), look.height.value_or(own.height)};
     }

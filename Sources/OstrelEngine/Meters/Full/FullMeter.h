@@ -103,6 +103,8 @@ protected:
     virtual void takeValues(MeasureValues values) = 0;
     /// The content's own size for the directions that are not written; the others are given and come back as they are.
     virtual Size contentSize(std::optional<double> width, std::optional<double> height) const = 0;
+    /// True: W and H have no effect, the content's own size counts.
+    virtual bool ignoresWrittenSize() const { return false; }
     /// Draws into widget coordinates, at `contentRect`. Leaves clip, transformation, opacity and composition as they
     /// were; sets pen, brush and smoothing itself.
     virtual void drawContent(QPainter& painter) = 0;

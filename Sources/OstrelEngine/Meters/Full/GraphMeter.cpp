@@ -143,6 +143,10 @@ double GraphMeter::columnHeight() const {
     return state_->layout.height;
 }
 
+QTransform GraphMeter::toBox() const {
+    return state_->layout.toBox(state_->layout.columns);
+}
+
 bool GraphMeter::isAutoScaled() const {
     return state_->layout.isAutoScaled;
 }

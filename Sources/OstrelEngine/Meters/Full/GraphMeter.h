@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <memory>
 
+class QTransform;
+
 namespace Ostrel {
 
 /// Base of the meters that show a history: each update stores a sample per graph, one pixel along the time axis. What
@@ -36,6 +38,8 @@ protected:
     double columnCount() const;
     double columnHeight() const;
     bool isAutoScaled() const;
+    /// From all columns, as `drawColumns` counts them, to points from the content's top left.
+    QTransform toBox() const;
     /// Of the samples that are shown; 0 without any.
     double largestValue() const;
     /// Null where nothing is stored.

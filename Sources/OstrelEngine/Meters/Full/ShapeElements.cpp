@@ -31,8 +31,8 @@ constexpr std::size_t MostModifiers = 1000;
 constexpr int MostDepth = 32;
 /// Enlarged beyond this a shape is left out.
 constexpr double FarthestReach = 4 * FarCoordinate;
-/// A unit of work is the comparison of two path elements.
-constexpr double MostCombinationWork = 2'000'000;
+/// About half a second.
+constexpr double CombinationBudget = 20'000;
 
 using Paint = std::variant<QColor, ShapeGradient>;
 
@@ -267,11 +267,7 @@ private:
             const PlacedShape* child = childNumber ? shapeAt(*childNumber) : nullptr;
             if (!child)
                 continue;
-            const double elements = path.elementCount() + child->outline.path.elementCount();
-            combinationWork_ += elements * elements;
-            auto combined = combinationWork_ > MostCombinationWork
-                ? std::nullopt
-                : ShapeOutlines::combined(path, child->outline.path, *how);
+            auto combined = ShapeOutlines::combined(path, child->outline.path, *how, combinationBudget_);
             if (!combined)
                 return std::nullopt;
             path = std::move(*combined);
@@ -440,7 +436,7 @@ private:
     /// The parts of combinations, which are not drawn themselves.
     std::set<int> parts_;
     int elementsLeft_ = MostElements;
-    double combinationWork_ = 0;
+    double combinationBudget_ = CombinationBudget;
     int depth_ = 0;
 };
 

@@ -18,8 +18,9 @@ namespace Ostrel::ShapeOutlines {
 
 namespace {
 
-/// Outlines of n elements may meet in n² points, and the toolkit sorts them all.
-constexpr int MostElementsCombined = 400;
+constexpr int MostElementsCombined = 2000;
+/// So many boxes are compared in the time that one crossing takes the toolkit.
+constexpr double BoxesPerCrossing = 2000;
 
 /// The numbers of a shape or segment; "*" and what is missing are the default.
 class Numbers {
@@ -221,6 +222,37 @@ std::optional<ShapeOutline> finished(QPainterPath path, bool isClosed) {
     return outline;
 }
 
+void addSegmentBoxes(std::vector<QRectF>& boxes, const QPainterPath& path) {
+    for (int i = 1; i < path.elementCount(); ++i) {
+        if (path.elementAt(i).isMoveTo())
+            continue;
+        // A curve has its end two elements further on.
+        const int last = path.elementAt(i).isCurveTo() ? i + 2 : i;
+        QRectF box(path.elementAt(i - 1), QSizeF(0, 0));
+        for (; i <= last; ++i) {
+            const QPointF point = path.elementAt(i);
+            box.setCoords(std::min(box.left(), point.x()), std::min(box.top(), point.y()),
+                std::max(box.right(), point.x()), std::max(box.bottom(), point.y()));
+        }
+        i = last;
+        boxes.push_back(box);
+    }
+}
+
+/// How many segments of the two paths may cross each other or those of their own path.
+double combinationCost(const QPainterPath& parent, const QPainterPath& child) {
+    std::vector<QRectF> boxes;
+    addSegmentBoxes(boxes, parent);
+    addSegmentBoxes(boxes, child);
+    double crossings = 0;
+    for (std::size_t i = 0; i < boxes.size(); ++i)
+        for (std::size_t k = i + 1; k < boxes.size(); ++k)
+            crossings += boxes[i].left() < boxes[k].right() && boxes[k].left() < boxes[i].right()
+                && boxes[i].top() < boxes[k].bottom() && boxes[k].top() < boxes[i].bottom();
+    const auto count = static_cast<double>(boxes.size());
+    return crossings + count * count / BoxesPerCrossing;
+}
+
 std::optional<ShapeOutline> rectangle(const Numbers& numbers) {
     if (!numbers.has(4))
         return std::nullopt;
@@ -291,8 +323,12 @@ std::optional<ShapeOutline> path(std::string_view text, bool isNonzero, std::siz
     return isStarted ? std::optional(std::move(reader).finish()) : std::nullopt;
 }
 
-std::optional<QPainterPath> combined(const QPainterPath& parent, const QPainterPath& child, Combination how) {
+std::optional<QPainterPath> combined(
+    const QPainterPath& parent, const QPainterPath& child, Combination how, double& budget) {
     if (parent.elementCount() + child.elementCount() > MostElementsCombined)
+        return std::nullopt;
+    budget -= combinationCost(parent, child);
+    if (budget < 0)
         return std::nullopt;
     switch (how) {
     case Combination::Union:

@@ -18,7 +18,9 @@ std::optional<ShapeOutline> path(std::string_view text, bool isNonzero, std::siz
 
 enum class Combination { Union, Intersect, ExclusiveOr, Exclude };
 
-/// Open outlines are closed first. Absent when the outlines have so many elements that it would take long.
-std::optional<QPainterPath> combined(const QPainterPath& parent, const QPainterPath& child, Combination how);
+/// Open outlines are closed first. Takes what it costs out of the budget, about 25 microseconds a unit; absent when
+/// that is not enough.
+std::optional<QPainterPath> combined(
+    const QPainterPath& parent, const QPainterPath& child, Combination how, double& budget);
 
 } // namespace Ostrel::ShapeOutlines
