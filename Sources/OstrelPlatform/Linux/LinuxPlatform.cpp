@@ -28,7 +28,8 @@ LinuxPlatform::LinuxPlatform()
           .recycleManager = &recycleManager_,
           .scripts = &scripts_,
           .worker = &worker_,
-          .networkProbe = &networkProbe_} { }
+          .networkProbe = &networkProbe_,
+          .soundControl = &soundControl_} { }
 
 LinuxPlatform::~LinuxPlatform() = default;
 
