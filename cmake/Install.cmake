@@ -3,7 +3,7 @@ include(GNUInstallDirs)
 
 install(TARGETS ostrel ostrel-gui RUNTIME DESTINATION bin)
 install(TARGETS ostrel-window RUNTIME DESTINATION libexec/ostrel)
-install(TARGETS OstrelRemoteModule OstrelScriptModule OstrelSoundModule LIBRARY DESTINATION lib/ostrel)
+install(TARGETS OstrelRemoteModule OstrelScriptModule OstrelSoundModule OstrelWebModule LIBRARY DESTINATION lib/ostrel)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/Skins/ DESTINATION ${CMAKE_INSTALL_DATADIR}/ostrel/Skins)
 
 set(packaging ${PROJECT_SOURCE_DIR}/Packaging)

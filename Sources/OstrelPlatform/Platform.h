@@ -48,7 +48,8 @@ struct Platform {
     ProgramRunner* programs = nullptr;
     /// Null where no page is fetched.
     WebFetcher* web = nullptr;
-    /// Where measures do what would hold the main thread. Null: a thread of their own.
+    /// Where measures do what would hold the main thread for a bounded time. Null: the main queue or a thread of their
+    /// own does it.
     SerialQueue* worker = nullptr;
     /// Null where no address is asked how far it is.
     NetworkProbe* networkProbe = nullptr;

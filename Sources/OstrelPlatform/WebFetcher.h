@@ -11,13 +11,13 @@ namespace Ostrel {
 /// One request by GET. Redirects are answers like any other: whoever asks decides where to go on.
 struct WebRequest {
     /// http or https, percent-encoded; a user and password in it become HTTP authentication.
-    std::string url;
+    std::string url = {};
     /// Empty: the fetcher's own.
-    std::string userAgent;
+    std::string userAgent = {};
     /// "Name: value".
-    std::vector<std::string> headers;
+    std::vector<std::string> headers = {};
     /// Empty: the desktop's; "none": direct; else host:port.
-    std::string proxy;
+    std::string proxy = {};
     std::size_t maxBytes = 8U << 20;
     /// Asks the server whether the stored answer still holds, and stores the new one.
     bool mayUseCache = true;
@@ -41,11 +41,11 @@ struct WebAnswer {
     };
     Outcome outcome = Outcome::Failed;
     int status = 0;
-    std::string body;
+    std::string body = {};
     /// Absolute; empty for what is no redirect.
-    std::string location;
+    std::string location = {};
     /// For the log.
-    std::string error;
+    std::string error = {};
 };
 
 /// A request under way; destroying it drops the answer. Main thread.

@@ -7,16 +7,18 @@
 #include "Support/TemporaryFolder.h"
 
 #include <algorithm>
+#include <chrono>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace Ostrel {
 
 /// A skin with a folder of its own, as scripts see it. It has one meter, "Label", and tells all that it is asked.
-class ScriptedSkin final : public FakeFullHost, public ScriptHost {
+class ScriptedSkin : public FakeFullHost, public ScriptHost {
 public:
     TemporaryFolder folder;
     LuaEngine engine;
@@ -31,7 +33,22 @@ public:
         packFolders.skinFile = packFolders.root + "Skin.ini";
         packFolders.settings = folder.path() + "/Settings/";
         folder.write("Skins/Pack/Skin.ini", "");
-        fake.platform.scripts = &engine;
+        ports.scripts = &engine;
+    }
+    const Platform& platform() const override { return ports; }
+    /// The clock is the queue's: time passes only when a test lets it.
+    Platform ports{fake.queue, fake.queue, fake.host, fake.fonts, fake.network};
+
+    /// Lets other threads deliver until the condition holds; false when it never does.
+    template <typename Condition> bool waitFor(const Condition& condition) {
+        constexpr int Tries = 4000;
+        for (int i = 0; i < Tries; ++i) {
+            fake.queue.runQueued();
+            if (condition())
+                return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        return false;
     }
 
     /// A script measure whose file has this text, loaded and initialized.

@@ -58,7 +58,7 @@ public:
     /// Takes the place of `Substitute` from the next update on.
     void setShaping(std::unique_ptr<ValueShaping> shaping);
     /// A disabled measure: the number reads 0, the text stays.
-    void readAsZero();
+    virtual void readAsZero();
 
     /// Recomputes the value. The base keeps what it has.
     virtual void update() { }

@@ -27,6 +27,8 @@ LinuxPlatform::LinuxPlatform()
           .appearance = &appearance_,
           .recycleManager = &recycleManager_,
           .scripts = &scripts_,
+          .programs = &programs_,
+          .web = &web_,
           .worker = &worker_,
           .networkProbe = &networkProbe_,
           .soundControl = &soundControl_} { }

@@ -7,11 +7,13 @@
 #include "OstrelPlatform/Linux/Files/FileSystemRecycleManagerBackend.h"
 #include "OstrelPlatform/Linux/Host/LinuxHostStatistics.h"
 #include "OstrelPlatform/Linux/Host/LinuxNetworkProbe.h"
+#include "OstrelPlatform/Linux/Programs/LinuxProgramRunner.h"
 #include "OstrelPlatform/Linux/Scripts/LazyScriptEngine.h"
 #include "OstrelPlatform/Linux/Sound/LazySoundControl.h"
 #include "OstrelPlatform/Linux/Time/LinuxClock.h"
 #include "OstrelPlatform/Linux/Time/QtMainQueue.h"
 #include "OstrelPlatform/Linux/Web/LazyRemoteReader.h"
+#include "OstrelPlatform/Linux/Web/LazyWebFetcher.h"
 #include "OstrelPlatform/Platform.h"
 #include "OstrelPlatform/ThreadSerialQueue.h"
 
@@ -41,6 +43,8 @@ private:
     FontconfigRegistrar fonts_;
     LazyRemoteReader remoteReader_;
     LazyScriptEngine scripts_;
+    LinuxProgramRunner programs_{mainQueue_};
+    LazyWebFetcher web_{mainQueue_};
     LinuxWorkspace workspace_;
     LinuxAppearance appearance_;
     QSettingsUserDefaults defaults_;

@@ -1,6 +1,7 @@
 #include "OstrelEngine/Measures/Full/FullMeasureFactory.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Measures/Full/ActionTimerMeasure.h"
 #include "OstrelEngine/Measures/Full/FullAudioLevelMeasure.h"
 #include "OstrelEngine/Measures/Full/FullCalcMeasure.h"
 #include "OstrelEngine/Measures/Full/FullChameleonMeasure.h"
@@ -19,6 +20,7 @@
 #include "OstrelEngine/Measures/Full/FullQuoteMeasure.h"
 #include "OstrelEngine/Measures/Full/FullRecycleManagerMeasure.h"
 #include "OstrelEngine/Measures/Full/FullRegistryMeasure.h"
+#include "OstrelEngine/Measures/Full/FullRunCommandMeasure.h"
 #include "OstrelEngine/Measures/Full/FullScriptMeasure.h"
 #include "OstrelEngine/Measures/Full/FullSensorMeasure.h"
 #include "OstrelEngine/Measures/Full/FullSoundMeasure.h"
@@ -31,6 +33,7 @@
 #include "OstrelEngine/Measures/Full/FullUsageMonitorMeasure.h"
 #include "OstrelEngine/Measures/Full/FullValueShaping.h"
 #include "OstrelEngine/Measures/Full/FullWiFiMeasure.h"
+#include "OstrelEngine/Measures/Full/WebParserMeasure.h"
 
 #include <algorithm>
 #include <optional>
@@ -66,6 +69,7 @@ struct Row {
 };
 
 constexpr Row Rows[] = {
+    {"ACTIONTIMER", Spelling::Plugin, make<ActionTimerMeasure>, General},
     {"ADVANCEDCPU", Spelling::Plugin, make<FullUsageMonitorMeasure>, General},
     {"AUDIOLEVEL", Spelling::Plugin, make<FullAudioLevelMeasure>, General},
     {"CALC", Spelling::Type, make<FullCalcMeasure>, General},
@@ -102,6 +106,7 @@ constexpr Row Rows[] = {
     {"RECYCLEMANAGER", Spelling::Both, make<FullRecycleManagerMeasure>, General},
     {"REGISTRY", Spelling::Type, make<FullRegistryMeasure>, General},
     {"RESMON", Spelling::Plugin, make<FullStubMeasure>, General},
+    {"RUNCOMMAND", Spelling::Plugin, make<FullRunCommandMeasure>, General},
     {"SCRIPT", Spelling::Type, make<FullScriptMeasure>, General},
     {"SPEEDFANPLUGIN", Spelling::Plugin, make<FullSpeedFanMeasure>, General},
     {"STRING", Spelling::Type, make<FullStringMeasure>, NotInverted},
@@ -114,6 +119,7 @@ constexpr Row Rows[] = {
     {"WEBNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
     {"WIFISTATUS", Spelling::Both, make<FullWiFiMeasure>, General},
     {"WIN7AUDIOPLUGIN", Spelling::Plugin, make<FullWin7AudioMeasure>, General},
+    {"WEBPARSER", Spelling::Both, make<WebParserMeasure>, General},
     {"WINDOWMESSAGEPLUGIN", Spelling::Plugin, make<FullStubMeasure>, General},
     {"WINDOWSNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
 };
