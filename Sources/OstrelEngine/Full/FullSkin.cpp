@@ -3,6 +3,7 @@
 #include "OstrelCore/Text/Text.h"
 #include "OstrelDialect/OptionValues.h"
 #include "OstrelDialect/PackReader.h"
+#include "OstrelEngine/Full/FullPointer.h"
 #include "OstrelEngine/Full/FullScriptHost.h"
 #include "OstrelEngine/Measures/Full/FullMeasureFactory.h"
 #include "OstrelEngine/Measures/Full/ScriptHost.h"
@@ -19,6 +20,19 @@
 namespace Ostrel {
 
 namespace {
+
+/// What the user has typed, while the action for it runs.
+class InputValues final : public EventValues {
+public:
+    explicit InputValues(std::string_view input)
+        : input_(input) { }
+    std::optional<std::string> value(std::string_view name) const override {
+        return equalsIgnoringCase(name, "UserInput") ? std::optional(input_) : std::nullopt;
+    }
+
+private:
+    std::string input_;
+};
 
 /// `!Update` within the actions of an update.
 constexpr int MaxCycleDepth = 16;
@@ -88,6 +102,7 @@ FullSkin::FullSkin(PackSkin skin, const Platform& platform, FullSkinHost& host, 
         else if (skin_.sections[i].kind == PackSection::Kind::Meter)
             buildMeter(i);
     }
+    mouseActions_.setOwnerCount(meters_.count() + 1);
     for (std::size_t i = 0; i < measures_.count(); ++i)
         readMeasureState(i);
     for (std::size_t i = 0; i < meters_.count(); ++i)
@@ -373,6 +388,10 @@ std::vector<MeasureValue> FullSkin::boundValues(const MeterRenderer& meter) {
     return {};
 }
 
+std::unique_ptr<PointerRules> FullSkin::makePointerRules(const std::vector<Drawable>&) {
+    return std::make_unique<FullPointer>(std::static_pointer_cast<FullSkin>(shared_from_this()));
+}
+
 bool FullSkin::executeActionString(std::string_view action) {
     const bool handled = actions_.runRaw(action, {});
     actionsDidEnd();
@@ -424,6 +443,11 @@ bool FullSkin::isAllowed(Permission permission, std::string_view detail) {
 
 void FullSkin::runAction(const BaseMeasure& measure, std::string_view action) {
     actions_.run(action, {measure.name()});
+    actionsDidEnd();
+}
+
+void FullSkin::runActionWithInput(const BaseMeasure& measure, std::string_view action, std::string_view input) {
+    actions_.run(action, {measure.name(), std::make_shared<InputValues>(input)});
     actionsDidEnd();
 }
 
