@@ -2,6 +2,8 @@
 
 #include "OstrelDialect/LiteralMarks.h"
 
+#include <utility>
+
 namespace Ostrel {
 
 namespace {
@@ -100,15 +102,35 @@ void HeadlessFullHost::setZPosition(int position) {
 }
 
 void HeadlessFullHost::showWindow(bool isShown, bool isFading) {
-    tell(isShown ? "show" : "hide", {{"fade", isFading}});
+    settings_.isShown = isShown;
+    if (isFading)
+        tell("fade", {{"shown", isShown}, {"milliseconds", settings_.fadeMilliseconds}});
+    else
+        tell(isShown ? "show" : "hide", JSON::object());
 }
 
 void HeadlessFullHost::setTransparency(int alpha) {
+    settings_.alpha = alpha;
     tell("fade", {{"alpha", alpha}});
 }
 
-void HeadlessFullHost::showMenu(bool onlyOwnItems) {
-    tell("menu", {{"items", JSON::array()}, {"custom", onlyOwnItems}});
+void HeadlessFullHost::showMenu(const std::vector<SkinMenuItem>& ownItems, bool onlyOwnItems) {
+    auto items = JSON::array();
+    for (const auto& item : ownItems)
+        items.push_back({{"title", item.title}, {"action", item.action}});
+    tell("menu", {{"items", std::move(items)}, {"custom", onlyOwnItems}});
+}
+
+void HeadlessFullHost::askProgram(std::string_view what) {
+    tell("program", {{"text", what}});
+}
+
+void HeadlessFullHost::setWallpaper(const std::string& path, std::string_view manner) {
+    tell("wallpaper", {{"file", path}, {"manner", manner}});
+}
+
+void HeadlessFullHost::editFile(const std::string& path) {
+    tell("open", {{"target", path}});
 }
 
 void HeadlessFullHost::setClipboard(std::string_view text) {

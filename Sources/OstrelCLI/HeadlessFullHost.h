@@ -46,7 +46,12 @@ public:
     void setZPosition(int position) override;
     void showWindow(bool isShown, bool isFading) override;
     void setTransparency(int alpha) override;
-    void showMenu(bool onlyOwnItems) override;
+    WindowSettings windowSettings() const override { return settings_; }
+    void setWindowSettings(const WindowSettings& settings) override { settings_ = settings; }
+    void showMenu(const std::vector<SkinMenuItem>& ownItems, bool onlyOwnItems) override;
+    void askProgram(std::string_view what) override;
+    void setWallpaper(const std::string& path, std::string_view manner) override;
+    void editFile(const std::string& path) override;
     void setClipboard(std::string_view text) override;
     void playSound(const std::string& path, bool isLooping) override;
 
@@ -56,6 +61,7 @@ private:
     SkinHost& base_;
     AllowedKinds allowed_;
     SkinPlace place_;
+    WindowSettings settings_;
     HeadlessWatcher* watcher_ = nullptr;
 };
 

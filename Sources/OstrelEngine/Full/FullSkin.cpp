@@ -3,6 +3,7 @@
 #include "OstrelCore/Text/Text.h"
 #include "OstrelDialect/OptionValues.h"
 #include "OstrelDialect/PackReader.h"
+#include "OstrelEngine/Full/FullPointer.h"
 #include "OstrelEngine/Full/FullScriptHost.h"
 #include "OstrelEngine/Measures/Full/FullMeasureFactory.h"
 #include "OstrelEngine/Measures/Full/ScriptHost.h"
@@ -88,6 +89,7 @@ FullSkin::FullSkin(PackSkin skin, const Platform& platform, FullSkinHost& host, 
         else if (skin_.sections[i].kind == PackSection::Kind::Meter)
             buildMeter(i);
     }
+    mouseActions_.setOwnerCount(meters_.count() + 1);
     for (std::size_t i = 0; i < measures_.count(); ++i)
         readMeasureState(i);
     for (std::size_t i = 0; i < meters_.count(); ++i)
@@ -371,6 +373,10 @@ std::vector<MeasureValue> FullSkin::boundValues(const MeterRenderer& meter) {
             return meters_.entry(i).held;
     }
     return {};
+}
+
+std::unique_ptr<PointerRules> FullSkin::makePointerRules(const std::vector<Drawable>&) {
+    return std::make_unique<FullPointer>(std::static_pointer_cast<FullSkin>(shared_from_this()));
 }
 
 bool FullSkin::executeActionString(std::string_view action) {

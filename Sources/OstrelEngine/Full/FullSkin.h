@@ -8,6 +8,7 @@
 #include "OstrelEngine/Full/FullMeasureTable.h"
 #include "OstrelEngine/Full/FullMeterTable.h"
 #include "OstrelEngine/Full/LiveSection.h"
+#include "OstrelEngine/Full/MouseActions.h"
 #include "OstrelEngine/Full/SkinLog.h"
 #include "OstrelEngine/Full/SkinScope.h"
 #include "OstrelEngine/Full/SkinVariables.h"
@@ -50,6 +51,10 @@ public:
     /// An option of [Rainmeter] as it was read at load; absent when it is not written.
     std::optional<std::string_view> skinOption(const CaseKey& key) const { return option(skinOptions_, key); }
     const FullMeterTable& meterTable() const { return meters_; }
+    const MouseActions& mouseActions() const { return mouseActions_; }
+    /// Neither hidden nor in something that is, as of the last action.
+    bool isMeterDrawn(std::size_t position) const { return layout_.isDrawn(position); }
+    const Options& skinOptions() const { return skinOptions_; }
 
     // Skin
     void start() override;
@@ -68,6 +73,7 @@ public:
     WidgetRuntimeState snapshotState() const override { return {}; }
     void applyState(const WidgetRuntimeState&) override { }
     bool executeActionString(std::string_view action) override;
+    std::unique_ptr<PointerRules> makePointerRules(const std::vector<Drawable>&) override;
     void submitInputText(std::string_view measureName, std::string_view value) override;
     void dismissInputText(std::string_view measureName) override;
 
@@ -92,10 +98,14 @@ public:
     void switchMeters(const SectionChoice& meters, Switch shown) override;
     void moveMeter(std::string_view meter, double x, double y) override;
     void updateMeters(const SectionChoice& meters) override;
+    void changeMouseActions(const SectionChoice& meters, std::string_view names, MouseActionChange change) override;
     void switchMeasures(const SectionChoice& measures, Switch enabled) override;
     void pauseMeasures(const SectionChoice& measures, Switch paused) override;
     void updateMeasures(const SectionChoice& measures) override;
     void commandMeasure(std::string_view measure, std::string_view arguments) override;
+    bool isInGroup(std::string_view group) const override;
+    Size windowSize() const override { return windowSize_; }
+    std::vector<SkinMenuItem> menuItems() const override;
     void update() override;
     void redraw() override;
     void actionsDidEnd() override;
@@ -152,6 +162,7 @@ private:
     FullLayout layout_;
     SkinScope scope_;
     FullActions actions_;
+    MouseActions mouseActions_;
     std::unique_ptr<FullScriptHost> scriptHost_;
 
     Options skinOptions_;

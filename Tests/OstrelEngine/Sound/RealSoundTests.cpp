@@ -3,6 +3,7 @@
 #include "OstrelPlatform/Linux/Sound/LinuxSound.h"
 #include "OstrelPlatform/Linux/Time/LinuxClock.h"
 #include "OstrelPlatform/VirtualTime.h"
+#include "Support/MissingTool.h"
 #include "Support/SoundServer.h"
 
 #include <gmock/gmock.h>
@@ -31,7 +32,7 @@ class RealSound : public testing::TestWithParam<SoundServer::Kind> {
 protected:
     void SetUp() override {
         if (const auto missing = SoundServer::missingPart(GetParam()))
-            GTEST_SKIP() << *missing;
+            OSTREL_SKIP_FOR_WANT_OF(*missing);
         server.emplace(GetParam());
     }
 
