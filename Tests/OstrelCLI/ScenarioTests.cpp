@@ -13,7 +13,7 @@
 
 // Each `Tests/Scenarios/<name>.ini` is a skin, `<name>.scenario` what happens to it and `<name>.expected` what
 // `ostrel trace` has to say: one JSON object for each of its lines, of which only the members written there count. A
-// new case is three new files.
+// new case is three new files. `<name>.full.ini` and its two run in the full dialect.
 
 namespace Ostrel {
 namespace {
@@ -59,7 +59,11 @@ std::string difference(const JSON& expected, const JSON& actual, const std::stri
 
 void expectTrace(const fs::path& skin) {
     const auto scenario = fs::path(skin).replace_extension(".scenario");
-    const auto result = runOstrel({"trace", "--now", "2026-11-21T10:30:00Z", skin.string(), scenario.string()});
+    std::vector<std::string> words{"trace"};
+    if (skin.stem().extension() == ".full")
+        words.insert(words.end(), {"--dialect", "full"});
+    words.insert(words.end(), {"--now", "2026-11-21T10:30:00Z", skin.string(), scenario.string()});
+    const auto result = runOstrel(words);
     EXPECT_EQ(result.status, 0) << result.messages;
     // All that may be said is which player stands in for one that is not there.
     EXPECT_THAT(result.messages, testing::AnyOf("", testing::StartsWith("[NowPlaying] ")));
