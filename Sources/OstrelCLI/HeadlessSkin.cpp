@@ -2,6 +2,7 @@
 
 #include "OstrelCLI/Command.h"
 #include "OstrelCLI/SkinInput.h"
+#include "OstrelDialect/PackReader.h"
 #include "OstrelEngine/Runtime/SkinFactory.h"
 
 #include <algorithm>
@@ -12,32 +13,70 @@
 
 namespace Ostrel {
 
-std::unique_ptr<HeadlessSkin> HeadlessSkin::load(const std::string& path, std::optional<double> wallSeconds) {
+std::unique_ptr<HeadlessSkin> HeadlessSkin::load(
+    const std::string& path, std::optional<double> wallSeconds, const DialectOptions& options) {
+    std::unique_ptr<HeadlessSkin> headless(new HeadlessSkin(wallSeconds));
+    if (options.isFull) {
+        auto skin = readPackSkin(path, std::nullopt, options.root);
+        if (!skin) {
+            printMessage("cannot load " + path);
+            return nullptr;
+        }
+        headless->run(std::move(*skin), options);
+        return headless;
+    }
     DiagnosticCollector diagnostics;
     auto config = loadSkinToRun(path, diagnostics);
     if (!config)
         return nullptr;
-    return std::unique_ptr<HeadlessSkin>(new HeadlessSkin(std::move(*config), wallSeconds));
+    headless->run(std::move(*config));
+    return headless;
 }
 
-HeadlessSkin::HeadlessSkin(SkinConfig config, std::optional<double> wallSeconds)
+HeadlessSkin::HeadlessSkin(std::optional<double> wallSeconds)
     : time_(wallSeconds)
     , audio_(time_)
     , player_(time_) {
     time_.onWake = [this] { hostStatistics_.beginWake(); };
-    skin_ = makeSkin(std::move(config),
-        Platform{.clock = time_,
-            .mainQueue = time_,
-            .hostStatistics = hostStatistics_,
-            .fonts = fonts_,
-            .remoteReader = remoteReader_,
-            .audioSpectrum = &audio_.spectrum(),
-            .workspace = &workspace_,
-            .mediaPlayers = &player_.bridges(),
-            .pictures = &pictures_,
-            .recycleManager = &sparedTrash_},
-        *this);
+}
+
+Platform HeadlessSkin::platform() {
+    return {.clock = time_,
+        .mainQueue = time_,
+        .hostStatistics = hostStatistics_,
+        .fonts = fonts_,
+        .remoteReader = remoteReader_,
+        .audioSpectrum = &audio_.spectrum(),
+        .workspace = &workspace_,
+        .mediaPlayers = &player_.bridges(),
+        .pictures = &pictures_,
+        .recycleManager = &sparedTrash_};
+}
+
+void HeadlessSkin::run(SkinConfig config) {
+    skin_ = makeSkin(std::move(config), platform(), *this);
     input_.connect(skin_->makePointerRules(drawables_), skin_);
+}
+
+void HeadlessSkin::run(PackSkin skin, const DialectOptions& options) {
+    SkinHost& base = *this;
+    fullHost_ = std::make_unique<HeadlessFullHost>(base, options);
+    fullSkin_ = FullSkin::create(std::move(skin), platform(), *fullHost_);
+    skin_ = fullSkin_;
+    input_.connect(skin_->makePointerRules(drawables_), skin_);
+}
+
+void HeadlessSkin::setWatcher(HeadlessWatcher* watcher) {
+    watcher_ = watcher;
+    if (fullHost_)
+        fullHost_->setWatcher(watcher);
+}
+
+void HeadlessSkin::place(int x, int y) {
+    if (!fullSkin_)
+        return;
+    fullHost_->place(x, y);
+    fullSkin_->placeDidChange();
 }
 
 HeadlessSkin::~HeadlessSkin() = default;

@@ -2,9 +2,11 @@
 
 #include "OstrelCLI/HeadlessApplication.h"
 #include "OstrelCLI/HeadlessAudio.h"
+#include "OstrelCLI/HeadlessFullHost.h"
 #include "OstrelCLI/HeadlessPlayer.h"
 #include "OstrelCLI/RecordingWorkspace.h"
 #include "OstrelCLI/SparedTrash.h"
+#include "OstrelEngine/Full/FullSkin.h"
 #include "OstrelEngine/Host/CanvasInput.h"
 #include "OstrelEngine/Meters/DecodedPictureColors.h"
 #include "OstrelEngine/Runtime/Skin.h"
@@ -29,14 +31,17 @@ class HeadlessSkin final : private SkinHost {
 public:
     /// Absent when the skin cannot be loaded, which has then been told on standard error. `wallSeconds` fixes the wall
     /// clock.
-    static std::unique_ptr<HeadlessSkin> load(const std::string& path, std::optional<double> wallSeconds);
+    static std::unique_ptr<HeadlessSkin> load(
+        const std::string& path, std::optional<double> wallSeconds, const DialectOptions& options);
     ~HeadlessSkin() override;
     HeadlessSkin(const HeadlessSkin&) = delete;
     HeadlessSkin& operator=(const HeadlessSkin&) = delete;
 
     Skin& skin() { return *skin_; }
+    /// Null for a skin of the base.
+    FullSkin* fullSkin() { return fullSkin_.get(); }
     /// Gets what the skin asks of its host, before the field is shown; null for nobody.
-    void setWatcher(SkinHost* watcher) { watcher_ = watcher; }
+    void setWatcher(HeadlessWatcher* watcher);
     double elapsedSeconds() const { return time_.elapsedSeconds(); }
 
     void start();
@@ -49,6 +54,8 @@ public:
     void wait(double seconds);
     /// Something that happens to the skin from outside, with all that it puts off until later.
     void act(const std::function<void()>& happening);
+    /// The widget of a skin of the full dialect stands there.
+    void place(int x, int y);
 
     /// What the pointer and the input field do; no window is there to send it.
     CanvasInput& input() { return input_; }
@@ -64,7 +71,11 @@ public:
     bool lacksInput() const { return lacksInput_; }
 
 private:
-    HeadlessSkin(SkinConfig config, std::optional<double> wallSeconds);
+    explicit HeadlessSkin(std::optional<double> wallSeconds);
+
+    void run(SkinConfig config);
+    void run(PackSkin skin, const DialectOptions& options);
+    Platform platform();
 
     // SkinHost
     void skinDidPublish(const std::vector<Drawable>& drawables) override;
@@ -91,8 +102,10 @@ private:
     SparedTrash sparedTrash_{trash_};
     std::vector<Drawable> drawables_;
     CanvasInput input_;
-    SkinHost* watcher_ = nullptr;
+    HeadlessWatcher* watcher_ = nullptr;
+    std::unique_ptr<HeadlessFullHost> fullHost_;
     std::shared_ptr<Skin> skin_;
+    std::shared_ptr<FullSkin> fullSkin_;
     bool lacksInput_ = false;
 };
 

@@ -1,5 +1,6 @@
 #include "OstrelCLI/RenderCommand.h"
 
+#include "OstrelCLI/DialectOptions.h"
 #include "OstrelCLI/HeadlessSkin.h"
 #include "OstrelCLI/RenderOptions.h"
 #include "OstrelCLI/Scenario.h"
@@ -25,7 +26,7 @@ namespace Ostrel::RenderCommand {
 namespace {
 
 /// The panel of a skin without a window: follows its publications and its size as a panel does.
-class PaperPanel final : private SkinHost {
+class PaperPanel final : private HeadlessWatcher {
 public:
     explicit PaperPanel(HeadlessSkin& headless)
         : headless_(headless)
@@ -121,7 +122,8 @@ int render(HeadlessSkin& skin, const std::vector<ScenarioStep>& steps, const Ren
 } // namespace
 
 int run(Arguments arguments) {
-    const auto options = parseRenderOptions(arguments);
+    const auto dialect = DialectOptions::parse(arguments);
+    const auto options = dialect ? parseRenderOptions(dialect->rest) : std::nullopt;
     if (!options)
         return wrongUsage(Usage);
     const auto text = options->scenario ? readTextInput(*options->scenario) : std::optional<std::string>("");
@@ -129,10 +131,10 @@ int run(Arguments arguments) {
         printMessage("cannot read " + *options->scenario);
         return InputFailed;
     }
-    const auto steps = parseScenario(*text);
+    const auto steps = parseScenario(*text, dialect->isFull);
     if (!steps)
         return wrongUsage(Usage);
-    const auto skin = HeadlessSkin::load(options->skin, options->wallSeconds);
+    const auto skin = HeadlessSkin::load(options->skin, options->wallSeconds, *dialect);
     return skin ? render(*skin, *steps, *options) : InputFailed;
 }
 

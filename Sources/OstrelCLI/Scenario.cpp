@@ -152,9 +152,82 @@ constexpr std::array LineKinds{
     LineKind{"wait", parseWait},
 };
 
-std::optional<ScenarioStep> parseLine(std::string_view line) {
+/// "X Y" or "X Y button".
+std::optional<std::pair<Point, PointerButton>> parsePress(std::string_view rest) {
+    constexpr std::array Names{"left", "right", "middle", "x1", "x2"};
+    auto button = PointerButton::left;
+    rest = trimmed(rest);
+    const auto last = rest.substr(rest.find_last_of(' ') + 1);
+    for (std::size_t i = 0; i < Names.size(); ++i) {
+        if (last != Names[i])
+            continue;
+        button = static_cast<PointerButton>(i);
+        rest.remove_suffix(last.size());
+    }
+    const auto numbers = parseNumbers(rest, 2);
+    return numbers ? std::optional(std::pair(Point{(*numbers)[0], (*numbers)[1]}, button)) : std::nullopt;
+}
+
+template <bool IsDouble> Run parseDown(std::string_view rest) {
+    const auto press = parsePress(rest);
+    if (!press)
+        return nullptr;
+    return happening([press = *press](HeadlessSkin& skin) {
+        skin.input().mouseDown(press.first, {press.second, IsDouble});
+    });
+}
+
+Run parseUp(std::string_view rest) {
+    const auto press = parsePress(rest);
+    if (!press)
+        return nullptr;
+    return happening([press = *press](HeadlessSkin& skin) { skin.input().mouseUp(press.first, press.second); });
+}
+
+template <bool IsFocused> Run parseFocus(std::string_view rest) {
+    if (!trimmed(rest).empty())
+        return nullptr;
+    return happening([](HeadlessSkin& skin) { skin.fullSkin()->focusDidChange(IsFocused); });
+}
+
+Run parsePlace(std::string_view rest) {
+    const auto numbers = parseNumbers(rest, 2);
+    if (!numbers)
+        return nullptr;
+    return happening([x = static_cast<int>((*numbers)[0]), y = static_cast<int>((*numbers)[1])](
+                         HeadlessSkin& skin) { skin.place(x, y); });
+}
+
+Run parseBang(std::string_view rest) {
+    const auto blank = rest.find(' ');
+    if (blank == std::string_view::npos || blank == 0)
+        return nullptr;
+    return happening([config = std::string(rest.substr(0, blank)), action = std::string(rest.substr(blank + 1))](
+                         HeadlessSkin& skin) { skin.fullSkin()->runFromConfig(config, action); });
+}
+
+/// These come first in the full dialect.
+constexpr std::array FullLineKinds{
+    LineKind{"bang", parseBang},
+    LineKind{"double", parseDown<true>},
+    LineKind{"down", parseDown<false>},
+    LineKind{"focus", parseFocus<true>},
+    LineKind{"place", parsePlace},
+    LineKind{"unfocus", parseFocus<false>},
+    LineKind{"up", parseUp},
+};
+
+std::optional<ScenarioStep> parseLine(std::string_view line, bool isFull) {
     const auto blank = line.find(' ');
     const auto rest = blank == std::string_view::npos ? std::string_view() : line.substr(blank + 1);
+    if (isFull) {
+        for (const auto& kind : FullLineKinds) {
+            if (kind.word != line.substr(0, blank))
+                continue;
+            auto run = kind.parse(rest);
+            return run ? std::optional(ScenarioStep{std::string(line), std::move(run)}) : std::nullopt;
+        }
+    }
     for (const auto& kind : LineKinds) {
         if (kind.word != line.substr(0, blank))
             continue;
@@ -167,14 +240,14 @@ std::optional<ScenarioStep> parseLine(std::string_view line) {
 
 } // namespace
 
-std::optional<std::vector<ScenarioStep>> parseScenario(std::string_view text) {
+std::optional<std::vector<ScenarioStep>> parseScenario(std::string_view text, bool isFull) {
     std::vector<ScenarioStep> steps;
     for (auto line : split(text, '\n')) {
         if (line.ends_with('\r'))
             line.remove_suffix(1);
         if (trimmed(line).empty() || line.starts_with('#'))
             continue;
-        auto step = parseLine(line);
+        auto step = parseLine(line, isFull);
         if (!step)
             return std::nullopt;
         steps.push_back(std::move(*step));

@@ -18,7 +18,7 @@ struct ScenarioStep {
 };
 
 /// The steps of a scenario text, one a line. Empty lines and lines that begin with "#" are left out. Absent when a line
-/// is none that is known.
-std::optional<std::vector<ScenarioStep>> parseScenario(std::string_view text);
+/// is none that is known. The full dialect knows more kinds of lines than the base.
+std::optional<std::vector<ScenarioStep>> parseScenario(std::string_view text, bool isFull);
 
 } // namespace Ostrel

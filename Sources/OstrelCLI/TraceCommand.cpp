@@ -1,5 +1,6 @@
 #include "OstrelCLI/TraceCommand.h"
 
+#include "OstrelCLI/DialectOptions.h"
 #include "OstrelCLI/HeadlessSkin.h"
 #include "OstrelCLI/Instant.h"
 #include "OstrelCLI/Scenario.h"
@@ -18,13 +19,19 @@ namespace Ostrel::TraceCommand {
 namespace {
 
 struct Request {
+    DialectOptions dialect;
     std::string skin;
     std::optional<std::string> scenario;
     std::optional<double> wallSeconds;
 };
 
-std::optional<Request> parse(Arguments arguments) {
+std::optional<Request> parse(Arguments allArguments) {
+    auto dialect = DialectOptions::parse(allArguments);
+    if (!dialect)
+        return std::nullopt;
     Request request;
+    request.dialect = std::move(*dialect);
+    const Arguments arguments = request.dialect.rest;
     std::vector<std::string> paths;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         if (arguments[i] == "--now") {
@@ -46,7 +53,7 @@ std::optional<Request> parse(Arguments arguments) {
 }
 
 /// Prints the state of a skin after each step, with what it asked of its host since the step before.
-class Trace final : private SkinHost {
+class Trace final : private HeadlessWatcher {
 public:
     explicit Trace(HeadlessSkin& skin)
         : skin_(skin) {
@@ -87,6 +94,8 @@ private:
                 {"default", presentation->defaultValue}, {"password", presentation->isPassword}});
     }
 
+    void skinDidAsk(std::string_view kind, const JSON& members) override { record(kind, members); }
+
     void record(std::string_view kind, const JSON& members = JSON::object()) {
         JSON request{{"kind", kind}};
         request.update(members);
@@ -122,10 +131,10 @@ int run(Arguments arguments) {
         printMessage("cannot read " + *request->scenario);
         return InputFailed;
     }
-    const auto steps = parseScenario(*text);
+    const auto steps = parseScenario(*text, request->dialect.isFull);
     if (!steps)
         return wrongUsage(Usage);
-    const auto skin = HeadlessSkin::load(request->skin, request->wallSeconds);
+    const auto skin = HeadlessSkin::load(request->skin, request->wallSeconds, request->dialect);
     return skin ? runScenario(*skin, *steps) : InputFailed;
 }
 

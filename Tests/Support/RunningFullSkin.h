@@ -20,6 +20,8 @@ public:
     std::vector<std::string> shown;
     std::vector<std::string> requests;
     SkinPlace where{.x = 100, .y = 100};
+    WindowSettings settings;
+    bool isAllAllowed = true;
 
     void skinDidPublish(const std::vector<Drawable>& drawables) override {
         ++published;
@@ -34,7 +36,7 @@ public:
     void refreshApp() override { requests.emplace_back("refreshApp"); }
     void promptInput(const std::optional<InputTextPresentation>&) override { }
     SkinPlace place() const override { return where; }
-    bool isAllowed(Permission, std::string_view) override { return true; }
+    bool isAllowed(Permission, std::string_view) override { return isAllAllowed; }
     void log(LogLevel, std::string_view section, std::string_view text) override {
         requests.push_back("log " + std::string(section) + ": " + std::string(text));
     }
@@ -44,13 +46,36 @@ public:
             line += " " + argument.text;
         requests.push_back(line);
     }
-    void moveWindow(int, int) override { }
-    void setZPosition(int) override { }
-    void showWindow(bool, bool) override { }
-    void setTransparency(int) override { }
-    void showMenu(bool) override { }
-    void setClipboard(std::string_view) override { }
-    void playSound(const std::string&, bool) override { }
+    WindowSettings windowSettings() const override { return settings; }
+    void setWindowSettings(const WindowSettings& wanted) override { settings = wanted; }
+    void moveWindow(int x, int y) override {
+        requests.push_back("move " + std::to_string(x) + " " + std::to_string(y));
+    }
+    void setZPosition(int position) override { requests.push_back("zpos " + std::to_string(position)); }
+    void showWindow(bool isShown, bool isFading) override {
+        settings.isShown = isShown;
+        requests.push_back(std::string(isShown ? "show" : "hide") + (isFading ? " fading" : ""));
+    }
+    void setTransparency(int alpha) override { requests.push_back("alpha " + std::to_string(alpha)); }
+    void showMenu(const std::vector<SkinMenuItem>& items, bool onlyOwnItems) override {
+        std::string line = onlyOwnItems ? "own menu" : "menu";
+        for (const auto& item : items)
+            line += " | " + item.title + " -> " + item.action;
+        requests.push_back(line);
+    }
+    void setClipboard(std::string_view text) override { requests.push_back("clip " + std::string(text)); }
+    void playSound(const std::string& path, bool isLooping) override {
+        requests.push_back((isLooping ? "loop " : "play ") + path);
+    }
+    void setCursor(const PointerCursor& cursor) override {
+        requests.push_back("cursor " + std::to_string(static_cast<int>(cursor.shape)));
+    }
+    void setToolTip(const ToolTip& tip, const Rect&) override { requests.push_back("tip " + tip.text); }
+    void askProgram(std::string_view what) override { requests.push_back("ask " + std::string(what)); }
+    void setWallpaper(const std::string& path, std::string_view manner) override {
+        requests.push_back("wallpaper " + path + " " + std::string(manner));
+    }
+    void editFile(const std::string& path) override { requests.push_back("edit " + path); }
 };
 
 /// A skin of the full dialect made of text, on a platform where nothing happens but what the test says. Nothing has

@@ -11,6 +11,8 @@ struct PointerPress {
     PointerButton button = PointerButton::left;
     /// The second of two quick presses of a button.
     bool isDouble = false;
+    /// The key is held that passes over what a widget does with a click.
+    bool isBypassed = false;
 };
 
 enum class MouseEventKind { leftDown, leftDrag, leftUp, scrollUp, scrollDown };
@@ -21,8 +23,10 @@ enum class ScrollPhase { none, mayBegin, began, changed, stationary, ended, canc
 
 struct ScrollEvent {
     Point point;
-    /// Above 0 is up.
+    /// Above 0 is up, or left.
     double delta = 0;
+    /// Of a wheel that is tilted.
+    bool isSideways = false;
     /// From a touch surface rather than a notched wheel.
     bool isPrecise = false;
     ScrollPhase phase = ScrollPhase::none;

@@ -27,6 +27,8 @@ public:
     virtual Press mouseDown(Point point, const PointerPress& press) = 0;
     /// The pointer moves with the left button held.
     virtual void mouseDragged(Point point) = 0;
+    /// The press has become a move of the window.
+    virtual void windowWillMove() { }
     virtual void mouseUp(Point point, PointerButton button) = 0;
     /// False when nothing here had an action for it.
     virtual bool scrollWheel(const ScrollEvent& event) = 0;

@@ -3,6 +3,7 @@
 #include "OstrelEngine/Full/FullSkinHost.h"
 
 #include <string_view>
+#include <vector>
 
 namespace Ostrel {
 
@@ -13,6 +14,10 @@ struct Platform;
 
 /// Of a switch that bangs turn.
 enum class Switch { Off, On, Toggle };
+
+/// What bangs do to mouse actions: a disabled one still catches the pointer, a cleared one is as if it were not
+/// written, a toggle goes back to the last of the two.
+enum class MouseActionChange { Disable, Enable, Clear, Toggle };
 
 /// Which measures or meters a bang means.
 struct SectionChoice {
@@ -44,12 +49,20 @@ public:
     /// Whatever the divider; nothing is drawn.
     virtual void updateMeters(const SectionChoice& meters) = 0;
 
+    /// `names` are separated by "|", or "*". The section Rainmeter is one too.
+    virtual void changeMouseActions(const SectionChoice& meters, std::string_view names, MouseActionChange change) = 0;
+
     virtual void switchMeasures(const SectionChoice& measures, Switch enabled) = 0;
     virtual void pauseMeasures(const SectionChoice& measures, Switch paused) = 0;
     /// Whatever the divider. Reaches a paused measure, not a disabled one.
     virtual void updateMeasures(const SectionChoice& measures) = 0;
     virtual void commandMeasure(std::string_view measure, std::string_view arguments) = 0;
 
+    /// Whether the skin itself is in a group of skins.
+    virtual bool isInGroup(std::string_view group) const = 0;
+    virtual Size windowSize() const = 0;
+    /// The skin's own menu, as its texts are now.
+    virtual std::vector<SkinMenuItem> menuItems() const = 0;
     /// A whole update, dividers obeyed; the timer starts its period again.
     virtual void update() = 0;
     /// Draws with held values.

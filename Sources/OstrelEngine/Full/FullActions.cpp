@@ -1,16 +1,25 @@
 #include "OstrelEngine/Full/FullActions.h"
 
+#include "OstrelCore/Files/Paths.h"
 #include "OstrelCore/Text/Text.h"
 #include "OstrelDialect/LiteralMarks.h"
 #include "OstrelDialect/OptionValues.h"
 #include "OstrelDialect/PackFolders.h"
+#include "OstrelDialect/PackReport.h"
+#include "OstrelEngine/Full/ConfigNames.h"
 #include "OstrelEngine/Full/FullBangs.h"
 #include "OstrelEngine/Full/SkinScope.h"
+#include "OstrelEngine/Full/UnresolvedReferences.h"
 #include "OstrelPlatform/MainQueue.h"
 #include "OstrelPlatform/Platform.h"
 #include "OstrelPlatform/Workspace.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+#include <unistd.h>
 #include <utility>
 
 namespace Ostrel {
@@ -31,6 +40,15 @@ constexpr auto InArguments
 bool isAddress(std::string_view target) {
     return hasPrefixIgnoringCase(target, "HTTP://") || hasPrefixIgnoringCase(target, "HTTPS://")
         || hasPrefixIgnoringCase(target, "MAILTO:");
+}
+
+bool exists(const std::string& path) {
+    std::error_code failed;
+    return std::filesystem::exists(path, failed);
+}
+
+bool isProgram(const std::string& path) {
+    return access(path.c_str(), X_OK) == 0 && !std::filesystem::is_directory(path);
 }
 
 } // namespace
@@ -105,6 +123,8 @@ bool FullActions::runSteps(
 bool FullActions::runStep(const ActionTextStep& step, const ActionOrigin& origin) {
     switch (step.kind) {
     case ActionTextStep::Kind::Bang: {
+        if (!mayWrite(step.name, step.arguments, origin))
+            return true;
         BangCall call{step.name, step.arguments};
         for (auto& argument : call.arguments)
             argument.text = resolved(argument.text, origin);
@@ -157,11 +177,28 @@ bool FullActions::runRawBang(
     if (hasPrefixIgnoringCase(name, "RAINMETER") && !findFullBang(name))
         name.remove_prefix(std::string_view("Rainmeter").size());
     BangCall call{std::string(name), {}};
-    for (const auto& argument : arguments) {
-        call.arguments.push_back(
-            {scope_.resolveNow(argument, origin.section, InArguments | ReferenceKinds::Signs), false});
-    }
+    for (const auto& argument : arguments)
+        call.arguments.push_back({argument, false});
+    if (!mayWrite(name, call.arguments, origin))
+        return true;
+    for (auto& argument : call.arguments)
+        argument.text = scope_.resolveNow(argument.text, origin.section, InArguments | ReferenceKinds::Signs);
     return runBang(call, origin);
+}
+
+/// A reference that is written into a file instead of its value spoils the file for good.
+bool FullActions::mayWrite(
+    std::string_view bang, const std::vector<ActionArgument>& arguments, const ActionOrigin& origin) {
+    constexpr std::size_t Value = 2;
+    if (!equalsIgnoringCase(bang, "WriteKeyValue") || arguments.size() <= Value)
+        return true;
+    constexpr auto Kinds = ReferenceKinds::Signs | ReferenceKinds::BracketVariables | ReferenceKinds::Sections;
+    const auto value = scope_.resolveNow(arguments[Value].text, origin.section, Kinds, origin.events.get());
+    if (!leavesReferences(value, scope_, host_.measureNames()))
+        return true;
+    host_.log(LogLevel::Warning, origin.section,
+        "!WriteKeyValue: nothing is written, since this has no value: " + LiteralMarks::dropped(value));
+    return false;
 }
 
 bool FullActions::runBang(const BangCall& call, const ActionOrigin& origin) {
@@ -182,22 +219,39 @@ bool FullActions::runBang(const BangCall& call, const ActionOrigin& origin) {
 }
 
 bool FullActions::runForConfig(const BangRow& row, const BangCall& call, const ActionOrigin& origin) {
-    const auto place = static_cast<std::size_t>(row.config);
-    if (row.config == BangRow::NoConfig || call.arguments.size() <= place)
+    if (row.skinGroup != BangRow::NoConfig)
+        return runForSkinGroup(row, call, origin);
+    const auto count = call.arguments.size();
+    const auto place = row.config == BangRow::OddConfig ? (count % 2 != 0 ? count - 1 : count)
+                                                        : static_cast<std::size_t>(row.config);
+    if (row.config == BangRow::NoConfig || count <= place)
         return runRow(row, call, origin);
-    auto config = LiteralMarks::dropped(call.arguments[place].text);
-    std::ranges::replace(config, '/', '\\');
+    const auto config = LiteralMarks::dropped(call.arguments[place].text);
     const auto name = trimmed(config);
-    if (name.empty() || equalsIgnoringCase(name, host_.folders().config))
-        return runRow(row, call, origin);
     BangCall others = call;
     others.arguments.resize(place);
+    if (name.empty() || ConfigNames::areSame(name, host_.folders().config))
+        return runRow(row, others, origin);
     if (name != "*") {
-        host_.host().sendBang({BangTarget::Kind::Config, std::string(name)}, others);
+        auto target = ConfigNames::canonical(host_.folders(), name);
+        if (ConfigNames::areSame(target, host_.folders().config))
+            return runRow(row, others, origin);
+        host_.host().sendBang({BangTarget::Kind::Config, std::move(target)}, others);
         return true;
     }
     host_.host().sendBang({BangTarget::Kind::Others, {}}, others);
-    return runRow(row, call, origin);
+    return runRow(row, others, origin);
+}
+
+bool FullActions::runForSkinGroup(const BangRow& row, const BangCall& call, const ActionOrigin& origin) {
+    BangCall plain{std::string(row.plain), call.arguments};
+    const auto place = plain.arguments.begin() + row.skinGroup;
+    const auto group = LiteralMarks::dropped(place->text);
+    plain.arguments.erase(place);
+    if (!row.first.empty())
+        plain.arguments.insert(plain.arguments.begin(), {std::string(row.first), false});
+    host_.host().sendBang({BangTarget::Kind::SkinGroup, group}, plain);
+    return !host_.isInGroup(group) || runRow(row, plain, origin);
 }
 
 bool FullActions::runRow(const BangRow& row, const BangCall& call, const ActionOrigin& origin) {
@@ -235,22 +289,49 @@ bool FullActions::playSound(const ActionTextStep& step, const ActionOrigin& orig
 }
 
 bool FullActions::open(const ActionTextStep& step, const ActionOrigin& origin) {
-    const auto target = LiteralMarks::dropped(resolved(step.name, origin));
     auto* const workspace = host_.platform().workspace;
-    if (!workspace || target.empty())
+    if (!workspace)
         return false;
-    if (isAddress(target))
-        return workspace->openURL(target);
     std::vector<std::string> arguments;
     for (const auto& argument : step.arguments)
         arguments.push_back(LiteralMarks::dropped(resolved(argument.text, origin)));
-    const auto path = host_.folders().absolutePath(target);
-    if (!arguments.empty() || hasSuffixIgnoringCase(target, ".EXE")) {
-        return host_.host().isAllowed(Permission::Programs, step.text) && workspace->launch(target, arguments);
-    }
-    if (!host_.folders().isInPack(path) && !host_.host().isAllowed(Permission::Files, path))
+    // "[M]" alone is what the measure says, "[&M]" too.
+    const auto value = arguments.empty() ? scope_.section(step.name, std::nullopt) : std::nullopt;
+    auto target = value ? *value : LiteralMarks::dropped(resolved(step.name, origin));
+    if (target.empty())
         return false;
-    return workspace->openFile(path);
+    if (isAddress(target))
+        return workspace->openURL(target);
+    if (!arguments.empty() && !step.text.starts_with('"') && !exists(host_.folders().absolutePath(target))) {
+        // A path with blanks that nobody quoted.
+        auto whole = LiteralMarks::dropped(resolved(step.text, origin));
+        if (exists(host_.folders().absolutePath(whole))) {
+            target = std::move(whole);
+            arguments.clear();
+        }
+    }
+    if (isForeignProgram(target)) {
+        host_.log(LogLevel::Warning, origin.section, "This program does not run here: " + target);
+        return true;
+    }
+    const auto program = programPath(target);
+    if (arguments.empty() && !isProgram(program))
+        return workspace->openFile(program);
+    return host_.host().isAllowed(Permission::Programs, step.text) && workspace->launch(program, arguments);
+}
+
+/// Of a bare name that is no file of the skin, the program of that name in the user's search path.
+std::string FullActions::programPath(const std::string& target) const {
+    auto path = host_.folders().absolutePath(target);
+    const char* places = std::getenv("PATH");
+    if (exists(path) || !places || target.find_first_of("/\\") != std::string::npos)
+        return path;
+    for (const auto place : splitDroppingEmpty(places, ':')) {
+        auto candidate = appendingPathComponent(place, target);
+        if (isAbsolutePath(candidate) && exists(candidate) && isProgram(candidate))
+            return candidate;
+    }
+    return path;
 }
 
 std::string FullActions::resolved(std::string_view text, const ActionOrigin& origin) const {

@@ -59,9 +59,12 @@ private:
     void runLater(std::shared_ptr<const Program> program, std::size_t next, double milliseconds, ActionOrigin origin);
     bool runRow(const BangRow& row, const BangCall& call, const ActionOrigin& origin);
     bool runForConfig(const BangRow& row, const BangCall& call, const ActionOrigin& origin);
+    bool runForSkinGroup(const BangRow& row, const BangCall& call, const ActionOrigin& origin);
+    bool mayWrite(std::string_view bang, const std::vector<ActionArgument>& arguments, const ActionOrigin& origin);
     void afterScript(std::function<void()> work);
     bool playSound(const ActionTextStep& step, const ActionOrigin& origin);
     bool open(const ActionTextStep& step, const ActionOrigin& origin);
+    std::string programPath(const std::string& target) const;
     std::string resolved(std::string_view text, const ActionOrigin& origin) const;
 
     ActionHost& host_;

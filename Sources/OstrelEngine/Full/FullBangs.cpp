@@ -4,6 +4,8 @@
 #include "OstrelDialect/Formula.h"
 #include "OstrelDialect/LiteralMarks.h"
 #include "OstrelDialect/OptionValues.h"
+#include "OstrelDialect/PackFolders.h"
+#include "OstrelEngine/Full/KeyFileWriter.h"
 
 #include <algorithm>
 #include <utility>
@@ -84,6 +86,38 @@ void pluginBang(ActionHost& host, const BangArguments& arguments) {
         host.commandMeasure(text, arguments.text(1));
 }
 
+template <MouseActionChange Change> void changeMouseActions(ActionHost& host, const BangArguments& arguments) {
+    const auto name = arguments.text(0);
+    host.changeMouseActions(named(name), arguments.text(1), Change);
+}
+
+template <MouseActionChange Change> void changeGroupMouseActions(ActionHost& host, const BangArguments& arguments) {
+    const auto group = arguments.text(1);
+    host.changeMouseActions({Kind::Group, trimmed(group)}, arguments.text(0), Change);
+}
+
+void writeKeyValue(ActionHost& host, const BangArguments& arguments) {
+    using KeyFileWriter::Outcome;
+    const auto& folders = host.folders();
+    const auto file = arguments.text(3);
+    const auto path = trimmed(file).empty() ? folders.skinFile : folders.absolutePath(trimmed(file));
+    const auto tell = [&](std::string_view why) {
+        host.log(LogLevel::Warning, arguments.section(), "!WriteKeyValue: " + path + std::string(why));
+    };
+    switch (KeyFileWriter::write(folders, path, arguments.text(0), arguments.text(1), arguments.computed(2))) {
+    case Outcome::Written:
+        return;
+    case Outcome::Outside:
+        return tell(" is outside the pack");
+    case Outcome::Missing:
+        return tell(" is no file; none is made");
+    case Outcome::Unwritable:
+        return tell(": no line can hold this key or value");
+    case Outcome::Failed:
+        return tell(" cannot be written");
+    }
+}
+
 void log(ActionHost& host, const BangArguments& arguments) {
     const auto level = arguments.text(1);
     auto value = LogLevel::Notice;
@@ -96,6 +130,22 @@ void log(ActionHost& host, const BangArguments& arguments) {
     host.host().log(value, arguments.section(), arguments.text(0));
 }
 
+void update(ActionHost& host, const BangArguments&) {
+    host.update();
+}
+
+void redraw(ActionHost& host, const BangArguments&) {
+    host.redraw();
+}
+
+void refresh(ActionHost& host, const BangArguments&) {
+    host.host().refresh();
+}
+
+void deactivate(ActionHost& host, const BangArguments&) {
+    host.host().deactivate();
+}
+
 constexpr auto Own = BangRow::NoConfig;
 constexpr auto AtOnce = BangRow::Timing::AtOnce;
 constexpr auto Later = BangRow::Timing::AfterScript;
@@ -105,6 +155,8 @@ constexpr BangRow Rows[] = {
     {"SetVariable", 2, 2, AtOnce, setVariable},
     {"SetOption", 2, 3, AtOnce, setOption<Kind::Name>},
     {"SetOptionGroup", 2, 3, AtOnce, setOption<Kind::Group>},
+    {"SetVariableGroup", 3, Own, AtOnce, setVariable, 2, "SetVariable"},
+    {"WriteKeyValue", 3, Own, AtOnce, writeKeyValue},
 
     {"ShowMeter", 1, 1, AtOnce, switchMeters<Kind::Name, Switch::On>},
     {"HideMeter", 1, 1, AtOnce, switchMeters<Kind::Name, Switch::Off>},
@@ -133,11 +185,32 @@ constexpr BangRow Rows[] = {
     {"CommandMeasure", 2, 2, Later, commandMeasure},
     {"PluginBang", 1, Own, Later, pluginBang},
 
-    {"Update", 0, 0, Later, [](ActionHost& host, const BangArguments&) { host.update(); }},
-    {"Redraw", 0, 0, Later, [](ActionHost& host, const BangArguments&) { host.redraw(); }},
-    {"Refresh", 0, 0, Later, [](ActionHost& host, const BangArguments&) { host.host().refresh(); }},
+    {"DisableMouseAction", 2, 2, AtOnce, changeMouseActions<MouseActionChange::Disable>},
+    {"DisableMouseActionGroup", 2, 2, AtOnce, changeGroupMouseActions<MouseActionChange::Disable>},
+    {"DisableMouseActionSkinGroup", 2, Own, AtOnce, changeMouseActions<MouseActionChange::Disable>, 1,
+        "DisableMouseAction", "Rainmeter"},
+    {"EnableMouseAction", 2, 2, AtOnce, changeMouseActions<MouseActionChange::Enable>},
+    {"EnableMouseActionGroup", 2, 2, AtOnce, changeGroupMouseActions<MouseActionChange::Enable>},
+    {"EnableMouseActionSkinGroup", 2, Own, AtOnce, changeMouseActions<MouseActionChange::Enable>, 1,
+        "EnableMouseAction", "Rainmeter"},
+    {"ClearMouseAction", 2, 2, AtOnce, changeMouseActions<MouseActionChange::Clear>},
+    {"ClearMouseActionGroup", 2, 2, AtOnce, changeGroupMouseActions<MouseActionChange::Clear>},
+    {"ClearMouseActionSkinGroup", 2, Own, AtOnce, changeMouseActions<MouseActionChange::Clear>, 1, "ClearMouseAction",
+        "Rainmeter"},
+    {"ToggleMouseAction", 2, 2, AtOnce, changeMouseActions<MouseActionChange::Toggle>},
+    {"ToggleMouseActionGroup", 2, 2, AtOnce, changeGroupMouseActions<MouseActionChange::Toggle>},
+    {"ToggleMouseActionSkinGroup", 2, Own, AtOnce, changeMouseActions<MouseActionChange::Toggle>, 1,
+        "ToggleMouseAction", "Rainmeter"},
+
+    {"Update", 0, 0, Later, update},
+    {"UpdateGroup", 1, Own, Later, update, 0, "Update"},
+    {"Redraw", 0, 0, Later, redraw},
+    {"RedrawGroup", 1, Own, Later, redraw, 0, "Redraw"},
+    {"Refresh", 0, 0, Later, refresh},
+    {"RefreshGroup", 1, Own, Later, refresh, 0, "Refresh"},
     {"RefreshApp", 0, Own, Later, [](ActionHost& host, const BangArguments&) { host.host().refreshApp(); }},
-    {"DeactivateConfig", 0, 0, Later, [](ActionHost& host, const BangArguments&) { host.host().deactivate(); }},
+    {"DeactivateConfig", 0, 0, Later, deactivate},
+    {"DeactivateConfigGroup", 1, Own, Later, deactivate, 0, "DeactivateConfig"},
     {"Log", 1, Own, AtOnce, log},
 };
 
@@ -174,6 +247,8 @@ const BangRow* findFullBang(std::string_view name) {
     static const auto Index = [] {
         CaseInsensitiveDictionary<const BangRow*> index;
         for (const auto& row : Rows)
+            index.set(row.name, &row);
+        for (const auto& row : windowBangs())
             index.set(row.name, &row);
         return index;
     }();

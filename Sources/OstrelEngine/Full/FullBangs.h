@@ -42,17 +42,27 @@ private:
 /// A row of the table of bangs.
 struct BangRow {
     static constexpr std::int8_t NoConfig = -1;
+    /// The last argument when their number is odd.
+    static constexpr std::int8_t OddConfig = -2;
     /// When a script runs the bang: at once, or after the outermost call into a script.
     enum class Timing : std::uint8_t { AtOnce, AfterScript };
 
     std::string_view name;
     /// Without these many arguments nothing is done.
     std::int8_t required;
-    /// The place of the optional config, which says whose skin is meant; `NoConfig` for a bang without one.
+    /// The place of the optional config, which says whose skin is meant, or one of the above.
     std::int8_t config;
     Timing timing;
     void (*run)(ActionHost& host, const BangArguments& arguments);
+    /// The place of the group for a bang to the skins of a group, which `run` and the bang of the name `plain` get
+    /// without it, behind `first` if that is not empty.
+    std::int8_t skinGroup = NoConfig;
+    std::string_view plain = {};
+    std::string_view first = {};
 };
+
+/// The rows for windows, other skins and the program.
+std::span<const BangRow> windowBangs();
 
 /// Null for a name that is no bang; in any case, without "!" and old prefix. `Delay` is none: it is the runner's.
 const BangRow* findFullBang(std::string_view name);

@@ -3,6 +3,7 @@
 #include "OstrelCore/Text/Text.h"
 #include "OstrelDialect/OptionValues.h"
 #include "OstrelDialect/PackReader.h"
+#include "OstrelEngine/Full/FullPointer.h"
 #include "OstrelEngine/Full/FullScriptHost.h"
 #include "OstrelEngine/Measures/Full/FullMeasureFactory.h"
 #include "OstrelEngine/Measures/Full/ScriptHost.h"
@@ -81,12 +82,14 @@ FullSkin::FullSkin(PackSkin skin, const Platform& platform, FullSkinHost& host, 
     for (const auto& section : skin_.sections)
         sections_.add(LiveSection(section.name, section.options, actionsOf(section)));
     readSkinOptions();
+    buildBackground();
     for (std::size_t i = 0; i < skin_.sections.size(); ++i) {
         if (skin_.sections[i].kind == PackSection::Kind::Measure)
             buildMeasure(i);
         else if (skin_.sections[i].kind == PackSection::Kind::Meter)
             buildMeter(i);
     }
+    mouseActions_.setOwnerCount(meters_.count() + 1);
     for (std::size_t i = 0; i < measures_.count(); ++i)
         readMeasureState(i);
     for (std::size_t i = 0; i < meters_.count(); ++i)
@@ -129,9 +132,20 @@ void FullSkin::buildMeter(std::size_t section) {
     meters_.add(FullMeterFactory::create(definition, std::move(options), meterContext_), section);
 }
 
+void FullSkin::buildBackground() {
+    constexpr int NoBackground = 1;
+    const auto mode = OptionValues::integer(option(skinOptions_, "BackgroundMode"_key).value_or(""));
+    if (mode.value_or(NoBackground) != NoBackground)
+        background_ = FullMeterFactory::createBackground(skinOptions_, meterContext_);
+}
+
 const SkinConfig& FullSkin::config() const {
-    if (!config_)
+    if (!config_) {
         config_ = skinConfigAtLoad(skin_);
+        // The background is drawn as the first of the meters.
+        config_->rainmeterOptions.background.reset();
+        config_->rainmeterOptions.backgroundMode = 1;
+    }
     return *config_;
 }
 
@@ -198,6 +212,8 @@ void FullSkin::runCycle() {
         updateMeasure(i, Cause::Cycle);
     for (std::size_t i = 0; i < meters_.count(); ++i)
         updateMeter(i, Cause::Cycle);
+    if (background_)
+        background_->update({});
     if (!hasWindowSize_ || isWindowDynamic_)
         fitWindow();
     publish();
@@ -294,7 +310,11 @@ void FullSkin::readMeterState(std::size_t position) {
 
 void FullSkin::fitWindow() {
     hasWindowSize_ = true;
-    const Size extent = layout_.extent();
+    Size extent = layout_.extent();
+    if (background_) {
+        const Size least = background_->boxSize();
+        extent = {std::max(extent.width, least.width), std::max(extent.height, least.height)};
+    }
     const Size size{fixedSize_.width > 0 ? fixedSize_.width : extent.width,
         fixedSize_.height > 0 ? fixedSize_.height : extent.height};
     if (size == windowSize_)
@@ -305,9 +325,13 @@ void FullSkin::fitWindow() {
 
 void FullSkin::publish() {
     layout_.apply();
+    if (background_)
+        background_->setFrame({0, 0, windowSize_.width, windowSize_.height});
     if (drawnRevision_ != layout_.shownRevision()) {
         drawnRevision_ = layout_.shownRevision();
         drawables_.clear();
+        if (background_)
+            drawables_.push_back({background_, {}});
         for (std::size_t i = 0; i < meters_.count(); ++i) {
             if (layout_.isDrawn(i))
                 drawables_.push_back({meters_.entry(i).meter, {}});
@@ -351,10 +375,25 @@ std::vector<MeasureValue> FullSkin::boundValues(const MeterRenderer& meter) {
     return {};
 }
 
+std::unique_ptr<PointerRules> FullSkin::makePointerRules(const std::vector<Drawable>&) {
+    return std::make_unique<FullPointer>(std::static_pointer_cast<FullSkin>(shared_from_this()));
+}
+
 bool FullSkin::executeActionString(std::string_view action) {
     const bool handled = actions_.runRaw(action, {});
     actionsDidEnd();
     return handled;
+}
+
+void FullSkin::focusDidChange(bool isFocused) {
+    runSkinAction(isFocused ? "OnFocusAction"_key : "OnUnfocusAction"_key);
+    actionsDidEnd();
+}
+
+bool FullSkin::runFromConfig(std::string_view config, std::string_view action) {
+    std::string name(trimmed(config));
+    std::ranges::replace(name, '/', '\\');
+    return (name == "*" || equalsIgnoringCase(name, skin_.folders.config)) && executeActionString(action);
 }
 
 bool FullSkin::runBang(const BangCall& call) {

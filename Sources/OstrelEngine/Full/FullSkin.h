@@ -8,6 +8,7 @@
 #include "OstrelEngine/Full/FullMeasureTable.h"
 #include "OstrelEngine/Full/FullMeterTable.h"
 #include "OstrelEngine/Full/LiveSection.h"
+#include "OstrelEngine/Full/MouseActions.h"
 #include "OstrelEngine/Full/SkinLog.h"
 #include "OstrelEngine/Full/SkinScope.h"
 #include "OstrelEngine/Full/SkinVariables.h"
@@ -40,13 +41,20 @@ public:
 
     /// The window has got another place, or there are other screens.
     void placeDidChange();
+    void focusDidChange(bool isFocused);
     /// A bang from another skin or from outside.
     bool runBang(const BangCall& call);
+    /// An action that another skin sends to a config, "*" for all; true when this one is meant and did something.
+    bool runFromConfig(std::string_view config, std::string_view action);
     /// A meter's or the skin's own action, its `#V#` resolved, while an event goes on.
     bool runEventAction(std::string_view action, const ActionOrigin& origin);
     /// An option of [Rainmeter] as it was read at load; absent when it is not written.
     std::optional<std::string_view> skinOption(const CaseKey& key) const { return option(skinOptions_, key); }
     const FullMeterTable& meterTable() const { return meters_; }
+    const MouseActions& mouseActions() const { return mouseActions_; }
+    /// Neither hidden nor in something that is, as of the last action.
+    bool isMeterDrawn(std::size_t position) const { return layout_.isDrawn(position); }
+    const Options& skinOptions() const { return skinOptions_; }
 
     // Skin
     void start() override;
@@ -65,6 +73,7 @@ public:
     WidgetRuntimeState snapshotState() const override { return {}; }
     void applyState(const WidgetRuntimeState&) override { }
     bool executeActionString(std::string_view action) override;
+    std::unique_ptr<PointerRules> makePointerRules(const std::vector<Drawable>&) override;
     void submitInputText(std::string_view measureName, std::string_view value) override;
     void dismissInputText(std::string_view measureName) override;
 
@@ -89,10 +98,14 @@ public:
     void switchMeters(const SectionChoice& meters, Switch shown) override;
     void moveMeter(std::string_view meter, double x, double y) override;
     void updateMeters(const SectionChoice& meters) override;
+    void changeMouseActions(const SectionChoice& meters, std::string_view names, MouseActionChange change) override;
     void switchMeasures(const SectionChoice& measures, Switch enabled) override;
     void pauseMeasures(const SectionChoice& measures, Switch paused) override;
     void updateMeasures(const SectionChoice& measures) override;
     void commandMeasure(std::string_view measure, std::string_view arguments) override;
+    bool isInGroup(std::string_view group) const override;
+    Size windowSize() const override { return windowSize_; }
+    std::vector<SkinMenuItem> menuItems() const override;
     void update() override;
     void redraw() override;
     void actionsDidEnd() override;
@@ -114,6 +127,7 @@ private:
     FullSkin(PackSkin skin, const Platform& platform, FullSkinHost& host, std::int64_t cycles);
 
     void readSkinOptions();
+    void buildBackground();
     void buildMeasure(std::size_t section);
     void buildMeter(std::size_t section);
     void armTimer();
@@ -148,10 +162,13 @@ private:
     FullLayout layout_;
     SkinScope scope_;
     FullActions actions_;
+    MouseActions mouseActions_;
     std::unique_ptr<FullScriptHost> scriptHost_;
 
     Options skinOptions_;
     FullMeterContext meterContext_;
+    /// Null without one.
+    std::shared_ptr<FullMeter> background_;
     double updateIntervalSeconds_ = 0;
     int defaultDivider_ = 1;
     bool isWindowDynamic_ = false;

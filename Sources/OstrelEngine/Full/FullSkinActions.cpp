@@ -3,6 +3,8 @@
 #include "OstrelEngine/Runtime/GroupNames.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <string>
 
 // What actions do to a running skin of the full dialect.
 
@@ -95,6 +97,13 @@ void FullSkin::updateMeters(const SectionChoice& meters) {
         updateMeter(position, Cause::Bang);
 }
 
+void FullSkin::changeMouseActions(const SectionChoice& meters, std::string_view names, MouseActionChange change) {
+    if (meters.kind == SectionChoice::Kind::Name && equalsIgnoringCase(meters.name, "Rainmeter"))
+        return mouseActions_.change(meters_.count(), names, change);
+    for (const auto position : chosenMeters(meters))
+        mouseActions_.change(position, names, change);
+}
+
 void FullSkin::switchMeasures(const SectionChoice& measures, Switch enabled) {
     for (const auto position : chosenMeasures(measures)) {
         auto& entry = measures_.entry(position);
@@ -119,6 +128,34 @@ void FullSkin::commandMeasure(std::string_view measure, std::string_view argumen
     if (!found)
         return log(LogLevel::Warning, {}, "!CommandMeasure: there is no measure " + std::string(measure));
     found->executeCommand(arguments);
+}
+
+bool FullSkin::isInGroup(std::string_view group) const {
+    const auto groups = GroupNames::parseGroups(skinOption("Group"_key).value_or(""));
+    return std::ranges::count(groups, GroupNames::normalizedGroupName(group)) > 0;
+}
+
+std::vector<SkinMenuItem> FullSkin::menuItems() const {
+    constexpr std::size_t MaxItems = 25;
+    constexpr std::int64_t MaxLetters = 30;
+    std::vector<SkinMenuItem> items;
+    const auto* section = sections_.find("Rainmeter");
+    for (std::size_t number = 1; section && number <= MaxItems; ++number) {
+        const auto tail = number == 1 ? std::string() : std::to_string(number);
+        const auto* written = section->effective("ContextTitle" + tail);
+        const auto* action = section->effective("ContextAction" + tail);
+        auto title = written ? scope_.resolveNow(*written, section->name(), ReferenceKinds::All) : std::string();
+        title = std::string(trimmed(title));
+        const bool isLine = !title.empty() && title.find_first_not_of('-') == std::string::npos;
+        if (title.empty() || (!isLine && !action))
+            break;
+        if (isLine)
+            title.clear();
+        else if (const auto start = characterPrefix(title, MaxLetters); start.size() < title.size())
+            title = std::string(start) + "...";
+        items.push_back({std::move(title), isLine ? std::string() : *action});
+    }
+    return items;
 }
 
 } // namespace Ostrel

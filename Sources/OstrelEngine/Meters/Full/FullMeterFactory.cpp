@@ -1,6 +1,7 @@
 #include "OstrelEngine/Meters/Full/FullMeterFactory.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelEngine/Meters/Full/FullBackground.h"
 #include "OstrelEngine/Meters/Full/FullBarMeter.h"
 #include "OstrelEngine/Meters/Full/FullBitmapMeter.h"
 #include "OstrelEngine/Meters/Full/FullButtonMeter.h"
@@ -61,6 +62,10 @@ std::shared_ptr<FullMeter> create(const MeterDefinition& definition, Options opt
         if (equalsIgnoringCase(row.type, definition.meterType))
             return row.make(definition, std::move(options), context);
     return make<UnknownMeter>(definition, std::move(options), context);
+}
+
+std::shared_ptr<FullMeter> createBackground(const Options& skinSection, const FullMeterContext& context) {
+    return FullBackground::create(skinSection, context);
 }
 
 } // namespace Ostrel::FullMeterFactory
