@@ -55,10 +55,14 @@ std::vector<std::shared_ptr<FullSkin>> FullSkinRegistry::targets(
 bool FullSkinRegistry::send(const FullSkin& sender, const BangTarget& target, const BangCall& call) {
     if (depth_ >= MaxDepth)
         return false;
-    ++depth_;
+    if (depth_++ == 0)
+        deliveries_ = 0;
     bool handled = false;
-    for (const auto& skin : targets(sender, target))
+    for (const auto& skin : targets(sender, target)) {
+        if (++deliveries_ > MaxDeliveries)
+            break;
         handled = skin->runBang(call) || handled;
+    }
     --depth_;
     return handled;
 }

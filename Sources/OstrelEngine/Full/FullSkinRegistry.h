@@ -18,6 +18,8 @@ class FullSkinRegistry {
 public:
     /// Skins may send bangs in their answers to bangs, as deep as this.
     static constexpr int MaxDepth = 16;
+    /// Bangs that come of one bang.
+    static constexpr int MaxDeliveries = 2000;
 
     /// One skin a config: the one before is forgotten. Held weakly.
     void add(const std::shared_ptr<FullSkin>& skin);
@@ -42,6 +44,7 @@ private:
     /// In the order in which the configs were first loaded.
     std::vector<Entry> entries_;
     int depth_ = 0;
+    int deliveries_ = 0;
 };
 
 } // namespace Ostrel
