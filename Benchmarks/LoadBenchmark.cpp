@@ -3,12 +3,14 @@
 
 #include "Comparison.h"
 #include "OstrelCore/Documents/SkinLoader.h"
+#include "OstrelCore/Documents/TextDecoding.h"
 #include "OstrelCore/Text/Text.h"
 
 #include <benchmark/benchmark.h>
 #include <glib.h>
 
 #include <algorithm>
+#include <random>
 #include <string>
 
 namespace Ostrel {
@@ -146,6 +148,61 @@ void expandExponentially(benchmark::State& state) {
     }
 }
 BENCHMARK(expandExponentially)->Unit(benchmark::kMillisecond);
+
+/// Small changes that keep the taste of the text: its own characters and pieces, inserted, replaced and taken away.
+std::string mutated(std::string text, std::mt19937& random) {
+    constexpr std::string_view Letters = "#[]*\xFF=xABCDEFabc@!\n";
+    constexpr std::size_t HeadSize = 12;
+    constexpr std::size_t MaxSize = 2000;
+    for (auto changes = 1 + random() % 6; changes > 0 && text.size() > 2 * HeadSize; --changes) {
+        const auto at = HeadSize + random() % (text.size() - HeadSize);
+        const auto from = HeadSize + random() % (text.size() - HeadSize);
+        const char letter = Letters[random() % Letters.size()];
+        switch (random() % 4) {
+        case 0:
+            text[at] = letter;
+            break;
+        case 1:
+            text.insert(at, 1, letter);
+            break;
+        case 2:
+            text.erase(at, 1 + random() % 3);
+            break;
+        default:
+            text.insert(at, text.substr(from, 1 + random() % 40));
+        }
+    }
+    text.resize(std::min(text.size(), MaxSize));
+    return text;
+}
+
+/// What a text costs that is written against the limits: the worst of 10,000 mutations, each of the first text or of
+/// the worst so far.
+void expandTheWorstOfManyMutations(benchmark::State& state) {
+    const std::string six(6, '\xFF');
+    const std::string fifteen(15, '\xFF');
+    const auto first = "[Variables]\nA=x#B#\nB=[" + six + "[#[#A]]##" + fifteen
+        + "#C]\nC=#D##E#\nD=[#F\nF=]\na=#A#\nb=[#B]\nc=[![#A]]##\n@=[*#@#*]#@#\n";
+    std::mt19937 random(1);
+    for (auto _ : state) {
+        auto worst = first;
+        double worstSeconds = 0;
+        for (int i = 0; i < 10'000; ++i) {
+            const auto text = i == 0 ? first : mutated(random() % 4 == 0 ? first : worst, random);
+            InMemoryFileProvider files;
+            files.addFile("/s.ini", decodeText(text));
+            DiagnosticCollector diagnostics;
+            const double seconds = secondsOf([&] { SkinLoader(files, diagnostics).load("/s.ini"); });
+            check(i > 0 || diagnostics.warnings().size() == 1, state, "a warning was expected");
+            if (seconds > worstSeconds) {
+                worstSeconds = seconds;
+                worst = text;
+            }
+        }
+        state.counters["worst_s"] = worstSeconds;
+    }
+}
+BENCHMARK(expandTheWorstOfManyMutations)->Unit(benchmark::kSecond)->Iterations(1);
 
 } // namespace
 

@@ -4,6 +4,7 @@ find_package(LibArchive REQUIRED)
 find_package(nlohmann_json 3.11 REQUIRED)
 # Built as C++: its errors run destructors.
 pkg_check_modules(LUA REQUIRED IMPORTED_TARGET lua5.1-c++)
+pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET sqlite3)
 pkg_check_modules(PCRE2 REQUIRED IMPORTED_TARGET libpcre2-8)
 pkg_check_modules(KISSFFT REQUIRED IMPORTED_TARGET kissfft-float)
 if(NOT OSTREL_FUZZERS)

@@ -1,6 +1,7 @@
 #include "OstrelCLI/HeadlessPlayer.h"
 
 #include "OstrelCore/Text/Text.h"
+#include "OstrelPlatform/Log.h"
 #include "OstrelPlatform/Mac/AppleScriptCommands.h"
 #include "OstrelPlatform/PlayerTransport.h"
 #include "OstrelPlatform/VirtualSerialQueue.h"
@@ -38,7 +39,7 @@ HeadlessPlayer::HeadlessPlayer(const VirtualTime& time)
     , bridges_({.makeTransport = [this] { return std::make_unique<Transport>(*this); },
           .makeQueue = [this](std::string_view) { return makeQueue(); },
           .clock = time,
-          .log = [](std::string_view) {}}) { }
+          .log = logToStandardError}) { }
 
 HeadlessPlayer::~HeadlessPlayer() = default;
 

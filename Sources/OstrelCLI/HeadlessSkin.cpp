@@ -50,7 +50,10 @@ Platform HeadlessSkin::platform() {
         .workspace = &workspace_,
         .mediaPlayers = &player_.bridges(),
         .pictures = &pictures_,
-        .recycleManager = &sparedTrash_};
+        .recycleManager = &sparedTrash_,
+        .scripts = &scripts_,
+        .web = &web_,
+        .worker = &background_};
 }
 
 void HeadlessSkin::run(SkinConfig config) {
@@ -154,6 +157,12 @@ void HeadlessSkin::act(const std::function<void()>& happening) {
 void HeadlessSkin::runPending() {
     time_.runQueued();
     player_.deliver();
+    // Background work that asks for more with each result is cut off.
+    constexpr int MaxRounds = 100;
+    for (int round = 0; background_.pendingCount() > 0 && round < MaxRounds; ++round) {
+        background_.runDue();
+        time_.runQueued();
+    }
 }
 
 void HeadlessSkin::playAudio(const std::string& path) {

@@ -14,8 +14,11 @@
 #include "OstrelPlatform/Linux/Desktop/FontconfigRegistrar.h"
 #include "OstrelPlatform/Linux/Files/FileSystemRecycleManagerBackend.h"
 #include "OstrelPlatform/Linux/Host/LinuxHostStatistics.h"
+#include "OstrelPlatform/Linux/Scripts/LazyScriptEngine.h"
 #include "OstrelPlatform/Linux/Web/LazyRemoteReader.h"
+#include "OstrelPlatform/Linux/Web/LazyWebFetcher.h"
 #include "OstrelPlatform/Platform.h"
+#include "OstrelPlatform/VirtualSerialQueue.h"
 #include "OstrelPlatform/VirtualTime.h"
 
 #include <functional>
@@ -94,6 +97,10 @@ private:
     LinuxHostStatistics hostStatistics_;
     FontconfigRegistrar fonts_;
     LazyRemoteReader remoteReader_;
+    LazyScriptEngine scripts_;
+    LazyWebFetcher web_{time_};
+    /// What measures do in the background is done within the step that asked for it.
+    VirtualSerialQueue background_{time_};
     HeadlessAudio audio_;
     HeadlessPlayer player_;
     RecordingWorkspace workspace_;

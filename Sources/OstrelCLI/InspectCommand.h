@@ -6,7 +6,7 @@
 
 namespace Ostrel::InspectCommand {
 
-inline constexpr std::string_view Usage = "ostrel inspect [--dialect base|full [--root DIR]] SKIN";
+inline constexpr std::string_view Usage = "ostrel inspect SKIN";
 
 /// Prints the loaded skin as one JSON object.
 int run(Arguments arguments);

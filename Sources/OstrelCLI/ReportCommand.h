@@ -6,7 +6,7 @@
 
 namespace Ostrel::ReportCommand {
 
-inline constexpr std::string_view Usage = "ostrel report [--dialect base|full [--root DIR]] [--json] PATH...";
+inline constexpr std::string_view Usage = "ostrel report [--json] PATH...";
 
 /// Prints the compatibility report of every skin file that the paths stand for, as text or as one JSON array.
 int run(Arguments arguments);

@@ -7,8 +7,8 @@
 
 namespace Ostrel {
 
-/// The user's real trash, of which nothing is ever removed: to trace a skin must not cost anybody a file. An emptying
-/// counts as done even so, and what it would have removed no longer counts for the same drives.
+/// The user's real trash, of which nothing is ever removed: tracing a skin must not delete the user's files. An
+/// emptying counts as done even so, and what it would have removed no longer counts for the same drives.
 class SparedTrash final : public RecycleManagerBackend {
 public:
     explicit SparedTrash(RecycleManagerBackend& trash)

@@ -1,5 +1,6 @@
 #include "OstrelCLI/CalcCommand.h"
 #include "OstrelCLI/Command.h"
+#include "OstrelCLI/DialectOptions.h"
 #include "OstrelCLI/InspectCommand.h"
 #include "OstrelCLI/ListCommand.h"
 #include "OstrelCLI/RenderCommand.h"
@@ -32,6 +33,7 @@ void printHelp() {
     for (const auto& command : Commands)
         std::cout << "  " << command.usage << "\n";
     std::cout << "\n`ostrel COMMAND --help` shows one command.\n";
+    std::cout << "All but list take first " << DialectOptions::Usage << "\n";
 }
 
 int run(Arguments arguments) {

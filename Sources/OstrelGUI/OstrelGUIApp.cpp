@@ -3,7 +3,9 @@
 #include "OstrelCore/Packages/SkinInput.h"
 #include "OstrelEngine/Host/WidgetController.h"
 #include "OstrelEngine/Players/MediaPlayerBridges.h"
+#include "OstrelEngine/Runtime/SkinAtWork.h"
 #include "OstrelGUI/Channel/SharedSettings.h"
+#include "OstrelGUI/CrashGuard.h"
 #include "OstrelGUI/OpenArguments.h"
 #include "OstrelGUI/WidgetPreferences.h"
 #include "OstrelPlatform/Platform.h"
@@ -50,7 +52,7 @@ OstrelGUIApp::OstrelGUIApp(const Platform& platform, DesktopPanels& desktop, Use
 OstrelGUIApp::~OstrelGUIApp() = default;
 
 void OstrelGUIApp::connectManager() {
-    widgetManager_.chooseOrigin = [this](Size widget) { return placement_.choose(widget, origins()); };
+    widgetManager_.chooseOrigin = [this](Size widget) { return placement_.choose(widget, frames()); };
     // The session remembers it first.
     widgetManager_.onWidgetStopped = [this, remember = widgetManager_.onWidgetStopped](const std::string& key) {
         remember(key);
@@ -58,12 +60,12 @@ void OstrelGUIApp::connectManager() {
     };
 }
 
-std::vector<Point> OstrelGUIApp::origins() const {
-    std::vector<Point> points;
+std::vector<Rect> OstrelGUIApp::frames() const {
+    std::vector<Rect> result;
     for (const auto& [key, controller] : widgetManager_.activeWidgets())
-        if (const auto origin = controller->windowOrigin())
-            points.push_back(*origin);
-    return points;
+        if (const auto frame = controller->windowFrame())
+            result.push_back(*frame);
+    return result;
 }
 
 void OstrelGUIApp::syncOverride() const {
@@ -71,8 +73,23 @@ void OstrelGUIApp::syncOverride() const {
         platform_.mediaPlayers->setAppNameOverride(defaults_.string(SharedSettings::targetMediaPlayer));
 }
 
-void OstrelGUIApp::start(const OpenArguments& arguments) {
+void OstrelGUIApp::leaveOut(const EarlierEnd& earlier) {
+    if (earlier.isOneTooMany()) {
+        const std::string message = "Ostrel ended three times within a minute and started without widgets";
+        printMessage(message);
+        sessionController_.setAllFailed(message);
+        window_.show();
+    }
+    if (earlier.skin.empty())
+        return;
+    printMessage(earlier.skin + " is not shown any more. " + earlier.message);
+    sessionController_.setFailed(earlier.skin, earlier.message);
+}
+
+void OstrelGUIApp::start(const OpenArguments& arguments, const std::optional<EarlierEnd>& earlier) {
     syncOverride();
+    if (earlier)
+        leaveOut(*earlier);
     sessionController_.restoreIfNeeded();
     open(arguments);
 }
@@ -106,6 +123,7 @@ bool OstrelGUIApp::show(const std::string& skin) {
         return true;
     // Once more, for the reason.
     DiagnosticCollector diagnostics;
+    const SkinAtWork work(skin.c_str());
     loadSkinToRun(skin, diagnostics);
     return false;
 }

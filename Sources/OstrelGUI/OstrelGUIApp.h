@@ -2,6 +2,7 @@
 
 #include "OstrelEngine/Host/WidgetManager.h"
 #include "OstrelGUI/AppDelegate.h"
+#include "OstrelGUI/CrashGuard.h"
 #include "OstrelGUI/Session/OstrelSessionController.h"
 #include "OstrelGUI/Session/SessionWidgetLibrary.h"
 #include "OstrelGUI/WidgetPlacement.h"
@@ -28,7 +29,8 @@ public:
     ~OstrelGUIApp();
 
     /// Shows the widgets of the last time and what the program was started with.
-    void start(const OpenArguments& arguments);
+    /// What an earlier process of this start ended by, if it did, is not shown again by itself.
+    void start(const OpenArguments& arguments, const std::optional<EarlierEnd>& earlier = std::nullopt);
     /// Once the widgets are up and the tray has been asked for a place.
     void didFinishLaunching() { delegate_.applicationDidFinishLaunching(); }
     /// What a later start was given; without any arguments the window comes forward.
@@ -41,13 +43,14 @@ public:
     std::function<void()> onTerminate;
 
 private:
+    void leaveOut(const EarlierEnd& earlier);
     void open(const OpenArguments& arguments);
     /// False when the skin cannot be loaded, which has been told then.
     bool show(const std::string& skin);
     void connectManager();
     /// Lets the player that the user chose stand for those of all skins.
     void syncOverride() const;
-    std::vector<Point> origins() const;
+    std::vector<Rect> frames() const;
 
     const Platform& platform_;
     UserDefaults& defaults_;

@@ -10,7 +10,9 @@
 
 namespace Ostrel {
 
-OstrelMenuBarMenuView::OstrelMenuBarMenuView(std::function<void()> open, std::function<void()> quit) {
+OstrelMenuBarMenuView::OstrelMenuBarMenuView(
+    std::function<void()> open, std::function<void()> quit, DesktopAppearance* appearance)
+    : appearance_(appearance) {
     content_.title = "Ostrel";
     content_.toolTip = "Ostrel";
     content_.iconName = "dev.ostrel.gui";
@@ -24,7 +26,7 @@ void OstrelMenuBarMenuView::popUp(const QPoint& at) {
     std::vector<ContextMenu::Item> items;
     for (const auto& entry : content_.menu)
         items.push_back({QString::fromStdString(entry.title), false, entry.action});
-    menu_ = std::make_unique<ContextMenu>(std::move(items));
+    menu_ = std::make_unique<ContextMenu>(std::move(items), DesktopLook::of(appearance_));
     // It is still at work when it says that it is closed.
     menu_->onClosed = [this] {
         if (menu_)

@@ -10,11 +10,13 @@
 namespace Ostrel {
 
 class ContextMenu;
+class DesktopAppearance;
 
 /// The tray item of the application and its menu.
 class OstrelMenuBarMenuView {
 public:
-    OstrelMenuBarMenuView(std::function<void()> open, std::function<void()> quit);
+    /// Null: nothing is known of the desktop's looks. It outlives the menu.
+    OstrelMenuBarMenuView(std::function<void()> open, std::function<void()> quit, DesktopAppearance* appearance);
     ~OstrelMenuBarMenuView();
 
     /// For whichever tray the desktop has.
@@ -25,6 +27,7 @@ public:
 private:
     TrayContent content_;
     std::unique_ptr<ContextMenu> menu_;
+    DesktopAppearance* appearance_;
 };
 
 } // namespace Ostrel

@@ -23,6 +23,8 @@ namespace {
 
 /// Results that one turn of the main loop takes over, so that the window stays awake between them.
 constexpr std::size_t ResultsPerTurn = 64;
+/// Threads that walk folders, when one after the other is opened and cleared.
+constexpr std::size_t MostExpansions = 4;
 /// Of the background; scans are parsing, and more threads than cores only crowd out the widgets.
 constexpr unsigned MaxThreads = 8;
 
@@ -46,8 +48,11 @@ struct ScannerViewModel::Shared : std::enable_shared_from_this<Shared> {
 
     Shared(ScannerViewModel& itsModel, MainQueue& itsQueue)
         : model(&itsModel)
-        , mainQueue(itsQueue) { }
+        , mainQueue(itsQueue) {
+        addExpansions();
+    }
 
+    void addExpansions() { expansions.push_back(std::make_unique<ScanWorkers>(1)); }
     void notify(const Change& change) const {
         if (model && model->onChange)
             model->onChange(change);
@@ -67,9 +72,11 @@ struct ScannerViewModel::Shared : std::enable_shared_from_this<Shared> {
     std::vector<ScanItem> items;
     std::unordered_set<std::string> listedPaths;
     std::optional<ScanID> selection;
-    /// Counts what `clearAll` has done: an expansion from before is dropped.
+    /// Counts what `clearAll` has done: an expansion from before is not listed.
     int generation = 0;
-    /// Ends the expansions of this generation.
+    /// Expansions that have not been told yet.
+    int expanding = 0;
+    /// Ends the expansions with the model.
     std::stop_source expansionsEnd;
 
     std::mutex mutex;
@@ -77,8 +84,9 @@ struct ScannerViewModel::Shared : std::enable_shared_from_this<Shared> {
     std::vector<Result> results;
     bool isDeliveryPosted = false;
 
-    /// One, so that what is opened first is listed first.
-    ScanWorkers expansions{1};
+    /// The last takes new work, on one thread, so that what is opened first is listed first. The others still expand
+    /// what was cleared from the list.
+    std::vector<std::unique_ptr<ScanWorkers>> expansions;
     ScanWorkers scans{threadCount()};
 };
 
@@ -149,7 +157,8 @@ ScannerViewModel::ScannerViewModel(MainQueue& mainQueue)
 ScannerViewModel::~ScannerViewModel() {
     shared_->model = nullptr;
     shared_->expansionsEnd.request_stop();
-    shared_->expansions.stop();
+    for (const auto& workers : shared_->expansions)
+        workers->stop();
     shared_->scans.stop();
 }
 
@@ -177,30 +186,39 @@ const ScannerViewModel::ScanItem* ScannerViewModel::selectedItem() const {
     return item != shared_->items.end() && item->id == *shared_->selection ? &*item : nullptr;
 }
 
-void ScannerViewModel::scan(
-    std::span<const std::string> paths, std::function<void(const std::vector<std::string>&)> onAdded) {
+void ScannerViewModel::scan(std::span<const std::string> paths, Expanded onExpanded) {
     auto expand = [shared = shared_.get(), generation = shared_->generation, stop = shared_->expansionsEnd.get_token(),
-                      chosen = std::vector(paths.begin(), paths.end()), onAdded = std::move(onAdded)] {
+                      chosen = std::vector(paths.begin(), paths.end()), onExpanded = std::move(onExpanded)] {
         auto expanded = SkinPathResolver::expand(chosen, stop);
-        shared->mainQueue.post([weak = shared->weak_from_this(), generation, expanded = std::move(expanded), onAdded] {
-            const auto target = weak.lock();
-            if (!target || !target->model || target->generation != generation)
-                return;
-            target->add(expanded);
-            if (onAdded)
-                onAdded(expanded);
-        });
+        shared->mainQueue.post(
+            [weak = shared->weak_from_this(), generation, expanded = std::move(expanded), onExpanded] {
+                const auto target = weak.lock();
+                if (!target || !target->model)
+                    return;
+                --target->expanding;
+                const bool areListed = target->generation == generation;
+                if (areListed)
+                    target->add(expanded);
+                if (onExpanded)
+                    onExpanded(expanded, areListed);
+            });
     };
+    ++shared_->expanding;
     std::vector<ScanWorkers::Work> work;
     work.emplace_back(std::move(expand));
-    shared_->expansions.post(std::move(work));
+    shared_->expansions.back()->post(std::move(work));
+}
+
+bool ScannerViewModel::isExpanding() const {
+    return shared_->expanding > 0;
 }
 
 void ScannerViewModel::clearAll() {
-    shared_->expansions.dropWaiting();
+    // What is being expanded goes on: it is no longer listed, but the library learns of it. What comes next need not
+    // wait for it.
+    if (isExpanding() && shared_->expansions.size() < MostExpansions)
+        shared_->addExpansions();
     shared_->scans.dropWaiting();
-    shared_->expansionsEnd.request_stop();
-    shared_->expansionsEnd = std::stop_source();
     ++shared_->generation;
     const Change change{.list = !shared_->items.empty(), .selection = shared_->selection.has_value()};
     shared_->items.clear();

@@ -69,10 +69,13 @@ public:
     const ScanItem* selectedItem() const;
 
     /// Expands the paths in the background and starts a scan for every file that is not listed yet, in sorted order.
-    /// The first becomes the selection where there is none. `onAdded` follows on the main queue once they are listed,
-    /// with the expanded paths, also when nothing new was among them; not after `clearAll` or the model's end.
-    void scan(std::span<const std::string> paths,
-        std::function<void(const std::vector<std::string>& expandedPaths)> onAdded = nullptr);
+    /// The first becomes the selection where there is none. `onExpanded` follows on the main queue once they are
+    /// listed, with the expanded paths, also when nothing new was among them, and after a `clearAll`, when none is
+    /// listed any more; not after the model's end.
+    using Expanded = std::function<void(const std::vector<std::string>& expandedPaths, bool areListed)>;
+    void scan(std::span<const std::string> paths, Expanded onExpanded = nullptr);
+    /// Whether paths are still being expanded.
+    bool isExpanding() const;
     void clearAll();
     /// Positions that are none are skipped. When the selection goes, the first item that is left becomes it.
     void remove(std::span<const std::size_t> offsets);

@@ -11,7 +11,12 @@ struct WidgetLibraryItem {
     std::string displayName;
     std::string packageName;
     std::string relativePath;
+    /// Whether the session shows it again at the next start.
     bool isRendered = false;
+    /// Whether it is on the screen. A skin that did not load is rendered and does not run.
+    bool isRunning = false;
+    /// Why it is not shown; empty when nothing is known against it.
+    std::string failure = {};
     /// A PNG, shared with the session; null when there is none. Another picture is another pointer.
     std::shared_ptr<const std::string> snapshotData = nullptr;
 

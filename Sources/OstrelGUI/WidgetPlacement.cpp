@@ -3,6 +3,7 @@
 #include "OstrelEngine/Host/WidgetController.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Ostrel {
 
@@ -18,24 +19,21 @@ bool overlap(const Rect& a, const Rect& b) {
 
 } // namespace
 
-Point WidgetPlacement::choose(Size widget, const std::vector<Point>& running) {
-    std::erase_if(chosen_, [&](const Rect& frame) {
-        return std::ranges::find(running, Point{frame.x, frame.y}) == running.end();
-    });
-    const auto free = together_ && together_->isGrid() ? together_->next(widget) : freePlace(widget);
-    const Point origin = free ? *free : firstThatCoversNoneWhole(widget);
-    chosen_.push_back({origin.x, origin.y, widget.width, widget.height});
-    return origin;
+Point WidgetPlacement::choose(Size widget, const std::vector<Rect>& running) {
+    if (together_ && together_->isGrid())
+        return together_->next(widget);
+    const auto free = freePlace(widget, running);
+    return free ? *free : firstThatCoversNoneWhole(widget, running);
 }
 
-std::optional<Point> WidgetPlacement::freePlace(Size widget) const {
+std::optional<Point> WidgetPlacement::freePlace(Size widget, const std::vector<Rect>& running) const {
     const Point start = WidgetController::DefaultOrigin;
     const Size screen = screen_();
     std::vector<double> lefts{start.x};
     std::vector<double> bottoms{start.y};
-    for (const auto& other : chosen_) {
-        lefts.push_back(other.maxX() + Gap);
-        bottoms.push_back(other.maxY() + Gap);
+    for (const auto& other : running) {
+        lefts.push_back(std::max(std::ceil(other.maxX() + Gap), start.x));
+        bottoms.push_back(std::max(std::ceil(other.maxY() + Gap), start.y));
     }
     std::ranges::sort(lefts);
     std::ranges::sort(bottoms);
@@ -43,17 +41,20 @@ std::optional<Point> WidgetPlacement::freePlace(Size widget) const {
         for (const double x : lefts) {
             const Rect frame{x, y, widget.width, widget.height};
             const bool isOnScreen = frame.maxX() <= screen.width && frame.maxY() <= screen.height;
-            if (isOnScreen && std::ranges::none_of(chosen_, [&](const Rect& other) { return overlap(frame, other); }))
+            if (isOnScreen && std::ranges::none_of(running, [&](const Rect& other) { return overlap(frame, other); }))
                 return Point{x, y};
         }
     return std::nullopt;
 }
 
-Point WidgetPlacement::firstThatCoversNoneWhole(Size widget) const {
+Point WidgetPlacement::firstThatCoversNoneWhole(Size widget, const std::vector<Rect>& running) const {
+    const auto isAt = [](const Rect& frame, Point origin) {
+        return std::abs(frame.x - origin.x) < Gap / 2 && std::abs(frame.y - origin.y) < Gap / 2;
+    };
     DefaultPlacement places(screen_(), 1);
     for (int i = 0; i < MostPlaces; ++i) {
         const Point origin = places.next(widget);
-        if (std::ranges::none_of(chosen_, [&](const Rect& other) { return Point{other.x, other.y} == origin; }))
+        if (std::ranges::none_of(running, [&](const Rect& frame) { return isAt(frame, origin); }))
             return origin;
     }
     return places.next(widget);

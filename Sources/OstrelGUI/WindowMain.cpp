@@ -67,7 +67,7 @@ public:
             view_->ensureOstrelAppIsActive();
             view_->openSelection(paths);
         };
-        client_.onScan = [this](const auto& paths) { scans_.scan(paths); };
+        client_.onScan = [this](const auto& paths) { view_->listSelection(paths); };
         client_.onEnd = endProcess;
     }
 
@@ -82,7 +82,8 @@ private:
     void visibilityDidChange(bool isVisible) {
         client_.setVisible(isVisible);
         // What is made anew in a moment need not take memory until then. Scans would be lost, and what was copied.
-        if (!isVisible && scans_.items().empty() && !QGuiApplication::clipboard()->ownsClipboard())
+        if (!isVisible && scans_.items().empty() && !scans_.isExpanding()
+            && !QGuiApplication::clipboard()->ownsClipboard())
             QTimer::singleShot(0, qApp, endProcess);
     }
 

@@ -2,6 +2,7 @@
 #include "OstrelEngine/Meters/DecodedPictureColors.h"
 #include "OstrelEngine/Players/MediaPlayerBridges.h"
 #include "OstrelEngine/Sound/AudioLevelSpectrumSource.h"
+#include "OstrelGUI/CrashGuard.h"
 #include "OstrelGUI/OpenArguments.h"
 #include "OstrelGUI/OstrelGUIApp.h"
 #include "OstrelGUI/OstrelMenuBarMenuView.h"
@@ -59,7 +60,8 @@ std::unique_ptr<SingleInstance> makeInstance() {
     return folder ? std::make_unique<SingleInstance>(std::move(*folder), SingleInstance::displayName()) : nullptr;
 }
 
-int runFirst(int count, char** values, SingleInstance* instance, const OpenArguments& arguments) {
+int runFirst(int count, char** values, SingleInstance* instance, const OpenArguments& arguments,
+    const std::optional<EarlierEnd>& earlier) {
     qInstallMessageHandler(report);
     std::optional<StartEnvironment> environment(std::in_place);
     QGuiApplication application(count, values);
@@ -83,7 +85,7 @@ int runFirst(int count, char** values, SingleInstance* instance, const OpenArgum
     // Not a quit, which panels could refuse as they refuse to be closed.
     const auto end = [] { QGuiApplication::exit(Done); };
     OstrelGUIApp* open = nullptr;
-    OstrelMenuBarMenuView menu([&open] { open->openMainWindow(); }, end);
+    OstrelMenuBarMenuView menu([&open] { open->openMainWindow(); }, end, ports.appearance);
     LinuxTray tray(menu.content());
     tray.onMenuRequest = [&menu](const QPoint& at) { menu.popUp(at); };
     OstrelGUIApp app(ports, platform.desktopPanels(), defaults, tray);
@@ -91,7 +93,8 @@ int runFirst(int count, char** values, SingleInstance* instance, const OpenArgum
     app.onTerminate = end;
     const TerminationSignals termination(end);
 
-    app.start(arguments);
+    std::optional<CrashGuard> guard(std::in_place);
+    app.start(arguments, earlier);
     ports.mainQueue.postAfter(TrayDelaySeconds, [&] {
         tray.start();
         app.didFinishLaunching();
@@ -100,11 +103,13 @@ int runFirst(int count, char** values, SingleInstance* instance, const OpenArgum
     if (instance)
         instance->listen([&app](const auto& paths) { app.reopen(OpenArguments::sort(paths)); });
     QGuiApplication::exec();
+    guard.reset();
     app.stopAll();
     return Done;
 }
 
 int run(int count, char** values) {
+    const auto earlier = CrashGuard::takeEarlierEnd();
     const std::vector<std::string> given(values + 1, values + count);
     const auto arguments = OpenArguments::sort(given);
     for (const auto& path : arguments.unreadable)
@@ -116,7 +121,7 @@ int run(int count, char** values) {
     const auto instance = makeInstance();
     switch (instance ? instance->start(paths) : SingleInstance::Role::First) {
     case SingleInstance::Role::First:
-        return runFirst(count, values, instance.get(), arguments);
+        return runFirst(count, values, instance.get(), arguments, earlier);
     case SingleInstance::Role::HandedOver:
         return Done;
     case SingleInstance::Role::Unanswered:

@@ -15,6 +15,8 @@ public:
     virtual std::optional<RGBColor> accentColor() = 0;
     /// Whether the user prefers dark windows; absent without a preference.
     virtual std::optional<bool> prefersDark() = 0;
+    /// Of the font of menus and buttons, in points; absent when nothing is known.
+    virtual std::optional<double> interfaceFontSize() { return std::nullopt; }
 };
 
 } // namespace Ostrel

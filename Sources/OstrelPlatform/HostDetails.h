@@ -151,6 +151,8 @@ public:
     /// In the order of their indices.
     virtual const std::vector<NetworkInterface>& networkInterfaces() = 0;
     virtual AdapterFacts adapter(const std::string& interface) = 0;
+    /// Of the link of a wireless interface, 0 to 100.
+    virtual double wirelessQuality(const std::string& interface) = 0;
     virtual const ProcessSamples& processes() = 0;
     /// Of all processes.
     virtual int threadCount() = 0;

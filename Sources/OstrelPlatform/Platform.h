@@ -11,12 +11,14 @@ class FontRegistrar;
 class HostStatistics;
 class MainQueue;
 class MediaPlayerBridges;
+class NetworkProbe;
 class PictureColors;
 class ProgramRunner;
 class RecycleManagerBackend;
 class RemoteReader;
 class ScriptEngine;
 class SerialQueue;
+class SoundControl;
 class WebFetcher;
 class Workspace;
 
@@ -46,8 +48,13 @@ struct Platform {
     ProgramRunner* programs = nullptr;
     /// Null where no page is fetched.
     WebFetcher* web = nullptr;
-    /// Where measures do what would hold the main thread. Null: a thread of their own.
+    /// Where measures do what would hold the main thread for a bounded time. Null: the main queue or a thread of their
+    /// own does it.
     SerialQueue* worker = nullptr;
+    /// Null where no address is asked how far it is.
+    NetworkProbe* networkProbe = nullptr;
+    /// Null where nothing controls the sound.
+    SoundControl* soundControl = nullptr;
 };
 
 } // namespace Ostrel

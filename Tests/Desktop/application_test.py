@@ -1,7 +1,9 @@
 """The whole application: what is remembered, the tray, the main window in its process. Arguments: ostrel-gui, ostrel."""
+import glob
 import os
 import signal
 import subprocess
+import zipfile
 
 from desktop import PATIENCE_SECONDS, wait_for
 from widget_test import GUI, WidgetTest, main
@@ -137,6 +139,38 @@ class ApplicationTest(WidgetTest):
         self.wait_for_window()
         self.assertEqual(self.desktop.panels(), [])
         self.assert_ends(program, signal.SIGTERM)
+
+    def test_unpacks_a_package_once_though_its_window_ends_and_comes_back(self):
+        package = os.path.join(self.desktop.folder, "Pack.rmskin")
+        with zipfile.ZipFile(package, "w") as archive:
+            archive.writestr("Skins/Packed/Packed.ini", skin("0,200,0"))
+        self.desktop.environment["TMPDIR"] = self.desktop.folder
+        program, _ = self.start_with(self.red)
+        unpacked = lambda: glob.glob(os.path.join(self.desktop.folder, "OstrelRMSkinExtraction", "*"))
+        windows = set()
+        for _ in range(2):
+            self.run_again(package)
+            window = self.wait_for_window()
+            [child] = self.children(program)
+            windows.add(child)
+            wait_for("the package", lambda: len(unpacked()) == 1 and self.is_known(unpacked()[0]))
+            # Without a scan the window's process ends with it. The button is the second of the toolbar.
+            self.desktop.output("xdotool", "windowactivate", "--sync", str(window))
+            self.press("Tab", "Tab", "space")
+            self.close_window(window)
+            wait_for("the process's end", lambda: not self.children(program))
+        self.assertEqual(len(windows), 2)
+        self.assertEqual(len(unpacked()), 1)
+        self.assert_ends(program, signal.SIGTERM)
+
+    def is_known(self, folder):
+        """Whether the session has stored a skin of that folder."""
+        for path in glob.glob(os.path.join(self.desktop.folder, "config", "**", "*"), recursive=True):
+            if os.path.isfile(path):
+                with open(path, "rb") as file:
+                    if os.path.basename(folder).encode() in file.read():
+                        return True
+        return False
 
     def test_shows_the_window_where_there_is_no_tray(self):
         program, [panel] = self.launch(self.red, **self.desktop.config())

@@ -27,7 +27,8 @@ def wait_for(what, condition):
 
 
 class Desktop:
-    def __init__(self, compositor=True, tray=True):
+    def __init__(self, compositor=True, tray=True, screen=SCREEN):
+        self.screen = screen
         self.folder = tempfile.mkdtemp(prefix="ostrel-desktop-")
         self.started = []
         self.pointer = None
@@ -46,7 +47,7 @@ class Desktop:
 
     def start_server(self):
         reading, writing = os.pipe()
-        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", f"{SCREEN[0]}x{SCREEN[1]}x24", "-nolisten", "tcp", "-noreset"],
+        self.start(["Xvfb", "-displayfd", str(writing), "-screen", "0", f"{self.screen[0]}x{self.screen[1]}x24", "-nolisten", "tcp", "-noreset"],
                    pass_fds=[writing])
         os.close(writing)
         with os.fdopen(reading) as numbers:
@@ -99,7 +100,7 @@ class Desktop:
                               text=True, errors="replace", timeout=PATIENCE_SECONDS).stdout
 
     def screenshot(self):
-        return xclient.screenshot(self.display, *SCREEN)
+        return xclient.screenshot(self.display, *self.screen)
 
     def write(self, name, text):
         path = os.path.join(self.folder, name)

@@ -37,6 +37,21 @@ protected:
         "[Box]\nMeter=Image\nX=10\nY=30\nW=100\nH=28.5\nSolidColor=255,0,0\n");
 };
 
+TEST_F(RenderTest, showsPicturesWhoseNameComesLate) {
+    QImage red(40, 30, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    ASSERT_TRUE(red.save(QString::fromStdString(folder.path() + "/red.png")));
+    for (const auto* options :
+        {"MeasureName=Name", "MeasureName=Name\nImageName=[Name]\nDynamicVariables=1", "ImageName=gone.png\nX=0"}) {
+        skin = folder.write("Late.ini",
+            std::string("[Rainmeter]\nUpdate=10\n[Name]\nMeasure=String\nString=red.png\n[Tick]\nMeasure=Calc\n"
+                        "Formula=Tick+1\nIfAboveValue=1\nIfAboveAction=[!SetOption Late ")
+                + (std::string_view(options).starts_with("ImageName") ? "ImageName red.png" : "Y 24")
+                + "][!UpdateMeter *][!Redraw]\n[Late]\nMeter=Image\nY=24\n" + options + "\n");
+        EXPECT_EQ(picture({"--ticks", "5"}).pixel(10, 30), 0xffff0000) << options;
+    }
+}
+
 TEST_F(RenderTest, drawsTheWidgetInItsSizeAndScale) {
     const QImage once = picture();
     EXPECT_EQ(once.size(), QSize(220, 83));

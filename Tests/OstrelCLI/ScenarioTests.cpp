@@ -13,7 +13,7 @@
 
 // Each `Tests/Scenarios/<name>.ini` is a skin, `<name>.scenario` what happens to it and `<name>.expected` what
 // `ostrel trace` has to say: one JSON object for each of its lines, of which only the members written there count. A
-// new case is three new files.
+// new case is three new files. `<name>.full.ini` and its two run in the full dialect.
 
 namespace Ostrel {
 namespace {
@@ -59,9 +59,14 @@ std::string difference(const JSON& expected, const JSON& actual, const std::stri
 
 void expectTrace(const fs::path& skin) {
     const auto scenario = fs::path(skin).replace_extension(".scenario");
-    const auto result = runOstrel({"trace", "--now", "2026-11-21T10:30:00Z", skin.string(), scenario.string()});
+    std::vector<std::string> words{"trace"};
+    if (skin.stem().extension() == ".full")
+        words.insert(words.end(), {"--dialect", "full"});
+    words.insert(words.end(), {"--now", "2026-11-21T10:30:00Z", skin.string(), scenario.string()});
+    const auto result = runOstrel(words);
     EXPECT_EQ(result.status, 0) << result.messages;
-    EXPECT_EQ(result.messages, "");
+    // All that may be said is which player stands in for one that is not there.
+    EXPECT_THAT(result.messages, testing::AnyOf("", testing::StartsWith("[NowPlaying] ")));
     std::vector<JSON> actual;
     std::istringstream output(result.output);
     for (std::string line; std::getline(output, line);)
@@ -113,11 +118,23 @@ TEST(ScenarioTests, runsRealSkins) {
     for (std::string path; std::getline(paths, path); ++skins) {
         const auto result = runOstrel({"trace", path, "-"}, "tick 50\ntick 49\n");
         EXPECT_EQ(result.status, 0) << path;
-        EXPECT_EQ(result.messages, "") << path;
+        EXPECT_THAT(result.messages, testing::AnyOf("", testing::StartsWith("[NowPlaying] "))) << path;
         EXPECT_EQ(std::ranges::count(result.output, '\n'), 4) << path;
         EXPECT_THAT(result.output, testing::HasSubstr("\"tick\":100")) << path;
     }
     EXPECT_GT(skins, 10);
+}
+
+TEST(ScenarioTests, tellsOfPlayersOnStandardErrorAlone) {
+    const TemporaryFolder folder;
+    const auto skin = folder.write("Player.ini", "[Now]\nMeasure=NowPlaying\nPlayerName=winamp\nPlayerType=bogus\n");
+    for (const auto& command :
+        std::vector<std::vector<std::string>>{{"trace", skin}, {"render", skin, "-o", folder.path() + "/out.png"}}) {
+        const auto result = runOstrel(command);
+        EXPECT_THAT(result.messages, testing::HasSubstr("Invalid PlayerType=\"bogus\" in section [Now]."));
+        EXPECT_THAT(result.messages, testing::HasSubstr("winamp"));
+        EXPECT_THAT(result.output, testing::Not(testing::HasSubstr("[NowPlaying]")));
+    }
 }
 
 TEST(ScenarioTests, refusesWhatIsNoScenario) {

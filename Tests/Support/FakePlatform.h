@@ -29,6 +29,7 @@ public:
 
     const std::vector<NetworkInterface>& networkInterfaces() override { return interfaces; }
     AdapterFacts adapter(const std::string& name) override { return adapters[name]; }
+    double wirelessQuality(const std::string&) override { return 50; }
     const ProcessSamples& processes() override { return samples; }
     int threadCount() override { return threads; }
     const std::vector<DiskActivity>& disks() override { return diskActivity; }

@@ -124,8 +124,13 @@ std::vector<std::string> ScriptedPlayer::takeCalls() {
 void ScriptedPlayer::run() {
     while (!ends_ && dbus_connection_read_write(connection_, 5)) {
         while (auto* message = dbus_connection_pop_message(connection_)) {
-            if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_METHOD_CALL && answers_)
+            const bool isCall = dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_METHOD_CALL;
+            if (isCall && answers_) {
                 answer(*message);
+            } else if (isCall) {
+                const std::scoped_lock lock(mutex_);
+                calls_.emplace_back("unanswered");
+            }
             dbus_message_unref(message);
         }
     }

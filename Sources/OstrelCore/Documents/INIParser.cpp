@@ -50,13 +50,13 @@ void parseContent(Lines lines, SourceLocation location, INISection& section) {
 /// One call of `parseWithIncludes`: what all its files share.
 class IncludingParse {
 public:
-    IncludingParse(const INIParser& parser, VariableStore* store, DiagnosticCollector& diagnostics)
+    /// The expander is null exactly when the store is.
+    IncludingParse(
+        const INIParser& parser, VariableStore* store, VariableExpander* expander, DiagnosticCollector& diagnostics)
         : parser_(parser)
         , store_(store)
-        , diagnostics_(diagnostics) {
-        if (store)
-            expander_.emplace(*store, diagnostics);
-    }
+        , expander_(expander)
+        , diagnostics_(diagnostics) { }
 
     std::optional<INIDocument> parseFile(const std::string& path, int depth) {
         if (depth >= INIParser::MaxIncludeDepth) {
@@ -135,8 +135,8 @@ private:
 
     const INIParser& parser_;
     VariableStore* store_;
+    VariableExpander* expander_;
     DiagnosticCollector& diagnostics_;
-    std::optional<VariableExpander> expander_;
     int includes_ = 0;
     std::size_t lines_ = 0;
     std::size_t bytes_ = 0;
@@ -162,11 +162,15 @@ std::optional<INIDocument> INIParser::parseFile(const std::string& path) const {
 }
 
 std::optional<INIDocument> INIParser::parseWithIncludes(const std::string& path, VariableStore* store) const {
-    return IncludingParse(*this, store, diagnostics_).parseFile(path, 0);
+    if (!store)
+        return IncludingParse(*this, nullptr, nullptr, diagnostics_).parseFile(path, 0);
+    VariableExpander expander(*store, diagnostics_);
+    return IncludingParse(*this, store, &expander, diagnostics_).parseFile(path, 0);
 }
 
-INIDocument INIParser::parseWithIncludes(Lines lines, const std::string& path, VariableStore* store) const {
-    return IncludingParse(*this, store, diagnostics_).parseLines(lines, path, 0);
+INIDocument INIParser::parseWithIncludes(
+    Lines lines, const std::string& path, VariableStore& store, VariableExpander& expander) const {
+    return IncludingParse(*this, &store, &expander, diagnostics_).parseLines(lines, path, 0);
 }
 
 std::optional<INISection> INIParser::parseSection(Lines lines, std::string_view filePath, std::string_view name) {

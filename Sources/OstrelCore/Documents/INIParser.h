@@ -12,6 +12,7 @@
 
 namespace Ostrel {
 
+class VariableExpander;
 class VariableStore;
 
 /// Reads the skin dialect of INI: the first definition of a key wins, a repeated head continues its section, only a
@@ -39,8 +40,10 @@ public:
     /// With a store, their values are expanded and the variables met are added to it. Absent, with an error recorded,
     /// when this file cannot be read; an included one that cannot be read is only recorded.
     std::optional<INIDocument> parseWithIncludes(const std::string& path, VariableStore* store = nullptr) const;
-    /// The same for a main file that has been read already; never fails.
-    INIDocument parseWithIncludes(std::span<const INILine> lines, const std::string& path, VariableStore* store) const;
+    /// The same for a main file that has been read already, with an expander of that store, whose bounds then hold for
+    /// the includes and for all that is expanded later; never fails.
+    INIDocument parseWithIncludes(std::span<const INILine> lines, const std::string& path, VariableStore& store,
+        VariableExpander& expander) const;
 
     /// The section of that name alone, as `parse` would give it, from the lines of a whole file.
     static std::optional<INISection> parseSection(

@@ -22,7 +22,8 @@ void expandValues(INIDocument& document, VariableExpander& expander) {
 
 } // namespace
 
-std::optional<INIDocument> SkinLoader::read(const std::string& path, VariableStore& store) const {
+std::optional<INIDocument> SkinLoader::read(
+    const std::string& path, VariableStore& store, VariableExpander& expander) const {
     const INIParser parser(files_, diagnostics_);
     const auto content = parser.readFile(path);
     if (!content)
@@ -32,7 +33,7 @@ std::optional<INIDocument> SkinLoader::read(const std::string& path, VariableSto
     // An include may be named by a variable that stands further down, so the file's own variables are read first.
     if (const auto variables = INIParser::parseSection(lines, path, "VARIABLES"))
         store.loadVariables(*variables);
-    auto document = parser.parseWithIncludes(lines, path, &store);
+    auto document = parser.parseWithIncludes(lines, path, store, expander);
     if (const auto* variables = document.section("VARIABLES"))
         store.loadVariables(*variables);
     return document;
@@ -40,10 +41,10 @@ std::optional<INIDocument> SkinLoader::read(const std::string& path, VariableSto
 
 std::optional<SkinConfig> SkinLoader::load(const std::string& path) const {
     VariableStore store;
-    auto document = read(path, store);
+    VariableExpander expander(store, diagnostics_);
+    auto document = read(path, store, expander);
     if (!document)
         return std::nullopt;
-    VariableExpander expander(store, diagnostics_);
     expandValues(*document, expander);
     return SectionClassifier::classify(std::move(*document), path);
 }

@@ -9,6 +9,7 @@
 
 namespace Ostrel {
 
+class VariableExpander;
 class VariableStore;
 
 /// Turns a skin's file into the plain data that everything else works on:
@@ -29,7 +30,7 @@ public:
 
 private:
     /// The merged document, still unexpanded. Fills the store on the way.
-    std::optional<INIDocument> read(const std::string& path, VariableStore& store) const;
+    std::optional<INIDocument> read(const std::string& path, VariableStore& store, VariableExpander& expander) const;
 
     FileProvider& files_;
     DiagnosticCollector& diagnostics_;

@@ -18,10 +18,16 @@ public:
     static constexpr int MaxReplacements = 1000;
     /// Bytes. A text that has grown to more is left as it is then.
     static constexpr std::size_t MaxTextSize = 1U << 20;
-    /// Bytes read and written in all passes over all texts. After that no variable is replaced any more. A look-up
-    /// counts as some bytes, and what is kept counts several times: it needs memory for as long as the skin is loaded.
+    /// Bytes read and written in all passes over all texts. After that no variable is replaced any more. Everything
+    /// else counts as so many bytes as take the same time: a pass, a look-up, each byte of a name that is hashed, or
+    /// that is beyond ASCII and has to be folded first, and each place that looks like a mark. What is kept counts
+    /// several times: it needs memory for as long as the skin is loaded.
     static constexpr std::size_t MaxTotalWork = 512U << 20;
-    static constexpr std::size_t LookUpWork = 16;
+    static constexpr std::size_t PassWork = 160;
+    static constexpr std::size_t LookUpWork = 24;
+    static constexpr std::size_t HashWork = 3;
+    static constexpr std::size_t FoldingWork = 48;
+    static constexpr std::size_t SearchWork = 8;
     static constexpr std::size_t KeepingWork = 16;
 
     /// Both outlive the expander. The store may change between two calls.
@@ -38,6 +44,7 @@ private:
     enum class Outcome { Settled, LimitReached };
 
     Outcome expandToFixedPoint(std::string& text);
+    bool isSpent() const { return work_ > MaxTotalWork; }
     /// One pass: the bracket form, then the hash form. Absent when there was nothing to replace.
     std::optional<std::string> expandOnce(std::string_view text);
     std::optional<std::string> expandNewStyle(std::string_view text);

@@ -131,6 +131,16 @@ std::optional<std::string> PackageCache::extractedDirectory(const std::string& p
     return directory;
 }
 
+PackageCache::Entries PackageCache::entries() {
+    const std::lock_guard lock(cacheLock_);
+    return extractedPackagesByKey_;
+}
+
+void PackageCache::adopt(const Entries& entries) {
+    const std::lock_guard lock(cacheLock_);
+    extractedPackagesByKey_.insert(entries.begin(), entries.end());
+}
+
 std::optional<std::string> PackageCache::cached(const std::string& key) {
     const std::lock_guard lock(cacheLock_);
     const auto found = extractedPackagesByKey_.find(key);

@@ -21,6 +21,19 @@ namespace Ostrel {
 
 namespace {
 
+/// What the user has typed, while the action for it runs.
+class InputValues final : public EventValues {
+public:
+    explicit InputValues(std::string_view input)
+        : input_(input) { }
+    std::optional<std::string> value(std::string_view name) const override {
+        return equalsIgnoringCase(name, "UserInput") ? std::optional(input_) : std::nullopt;
+    }
+
+private:
+    std::string input_;
+};
+
 /// `!Update` within the actions of an update.
 constexpr int MaxCycleDepth = 16;
 constexpr double ShortestUpdate = 16;
@@ -430,6 +443,11 @@ bool FullSkin::isAllowed(Permission permission, std::string_view detail) {
 
 void FullSkin::runAction(const BaseMeasure& measure, std::string_view action) {
     actions_.run(action, {measure.name()});
+    actionsDidEnd();
+}
+
+void FullSkin::runActionWithInput(const BaseMeasure& measure, std::string_view action, std::string_view input) {
+    actions_.run(action, {measure.name(), std::make_shared<InputValues>(input)});
     actionsDidEnd();
 }
 

@@ -83,6 +83,7 @@ public:
     void log(LogLevel level, std::string_view section, std::string_view text) override;
     bool isAllowed(Permission permission, std::string_view detail) override;
     void runAction(const BaseMeasure& measure, std::string_view action) override;
+    void runActionWithInput(const BaseMeasure& measure, std::string_view action, std::string_view input) override;
     std::string resolved(const BaseMeasure& measure, std::string_view raw) const override;
     std::int64_t cycleCount() const override { return cycleCount_; }
     void valueDidArrive(BaseMeasure&) override { }

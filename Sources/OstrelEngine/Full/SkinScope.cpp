@@ -9,6 +9,7 @@
 #include "OstrelEngine/Measures/Full/ScriptHost.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <utility>
@@ -91,6 +92,14 @@ std::string escapedForPattern(std::string_view text) {
     return result;
 }
 
+/// Whether a measure that has no value yet will have a text of its own: until then its text is empty, where that of a
+/// number is "0".
+bool willHaveText(const BaseMeasure& measure) {
+    constexpr std::array<std::string_view, 5> Types{"String", "Time", "Uptime", "WebParser", "Script"};
+    const auto& type = measure.definition().measureType;
+    return std::ranges::any_of(Types, [&](std::string_view name) { return equalsIgnoringCase(type, name); });
+}
+
 std::optional<double> frameSide(const MeterFrame& frame, std::string_view side) {
     if (equalsIgnoringCase(side, "X"))
         return frame.x;
@@ -155,7 +164,7 @@ std::optional<std::string> SkinScope::measureReference(
     auto& measure = measures_.at(position);
     const auto& value = measure.value();
     if (!parameter)
-        return measureText(value);
+        return measure.valueRevision() == 0 && willHaveText(measure) ? std::string() : measureText(value);
     const auto word = trimmed(*parameter);
     if (word.empty())
         return OptionValues::numberText(value.numericValue, NumberDecimals);

@@ -14,18 +14,11 @@ namespace Ostrel {
 
 namespace {
 
-constexpr int TextSize = 13;
 constexpr int ItemPadding = 5;
 constexpr int LineHeight = 9;
 constexpr int Border = 4;
 /// Room for the mark of an item that is on.
 constexpr int MarkWidth = 24;
-
-QFont menuFont() {
-    QFont font = QGuiApplication::font();
-    font.setPixelSize(TextSize);
-    return font;
-}
 
 QRect screenAt(const QPoint& point) {
     const QScreen* screen = QGuiApplication::screenAt(point);
@@ -35,9 +28,9 @@ QRect screenAt(const QPoint& point) {
 
 } // namespace
 
-ContextMenu::ContextMenu(std::vector<Item> items)
+ContextMenu::ContextMenu(std::vector<Item> items, DesktopLook look)
     : items_(std::move(items))
-    , font_(menuFont())
+    , look_(std::move(look))
     , store_(this) {
     setFlags(Qt::Popup | Qt::FramelessWindowHint);
     resize(wantedSize());
@@ -57,11 +50,11 @@ void ContextMenu::popUp(const QPoint& at) {
 }
 
 int ContextMenu::heightOf(const Item& item) const {
-    return item.text.isEmpty() ? LineHeight : QFontMetrics(font_).height() + 2 * ItemPadding;
+    return item.text.isEmpty() ? LineHeight : QFontMetrics(look_.font).height() + 2 * ItemPadding;
 }
 
 QSize ContextMenu::wantedSize() const {
-    const QFontMetrics metrics(font_);
+    const QFontMetrics metrics(look_.font);
     int width = 0;
     int height = 2 * Border;
     for (const auto& item : items_) {
@@ -177,9 +170,9 @@ void ContextMenu::paint() {
     store_.resize(size());
     store_.beginPaint(all);
     {
-        const QPalette palette = QGuiApplication::palette();
+        const QPalette& palette = look_.palette;
         QPainter painter(store_.paintDevice());
-        painter.setFont(font_);
+        painter.setFont(look_.font);
         painter.fillRect(all, palette.color(QPalette::Base));
         painter.setPen(palette.color(QPalette::Mid));
         painter.drawRect(all.adjusted(0, 0, -1, -1));
@@ -195,7 +188,7 @@ void ContextMenu::paint() {
 }
 
 void ContextMenu::paintItem(QPainter& painter, const QRect& row, const Item& item, bool isHighlighted) const {
-    const QPalette palette = QGuiApplication::palette();
+    const QPalette& palette = look_.palette;
     if (item.text.isEmpty()) {
         painter.setPen(palette.color(QPalette::Mid));
         painter.drawLine(row.left() + ItemPadding, row.center().y(), row.right() - ItemPadding, row.center().y());

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "OstrelEngine/Host/DesktopLook.h"
+
 #include <QBackingStore>
-#include <QFont>
 #include <QWindow>
 
 #include <functional>
@@ -21,7 +22,9 @@ public:
         std::function<void()> action;
     };
 
-    explicit ContextMenu(std::vector<Item> items);
+    ContextMenu(std::vector<Item> items, DesktopLook look);
+
+    const DesktopLook& look() const { return look_; }
 
     void popUp(const QPoint& at);
 
@@ -49,7 +52,7 @@ private:
     void paintItem(QPainter& painter, const QRect& row, const Item& item, bool isHighlighted) const;
 
     std::vector<Item> items_;
-    QFont font_;
+    DesktopLook look_;
     QBackingStore store_;
     int highlighted_ = -1;
     /// Only once the pointer has moved over an item does the release of the button that opened the menu choose one.

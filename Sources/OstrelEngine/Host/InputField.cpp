@@ -1,6 +1,7 @@
 #include "OstrelEngine/Host/InputField.h"
 
 #include <QClipboard>
+#include <QFontInfo>
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QMouseEvent>
@@ -21,7 +22,6 @@ using Move = LineEditor::Move;
 using Selection = LineEditor::Selection;
 
 constexpr int Margin = 4;
-constexpr int LargestText = 13;
 constexpr int SmallestText = 8;
 /// Wider than any text that fits into the editor.
 constexpr qreal OneLineWidth = 1 << 20;
@@ -32,9 +32,10 @@ QRect frameOf(const InputTextPresentation& presentation) {
     return {whole(frame.x), whole(frame.y), std::max(whole(frame.width), 1), std::max(whole(frame.height), 1)};
 }
 
-QFont fontFor(const QRect& frame) {
-    QFont font = QGuiApplication::font();
-    font.setPixelSize(std::clamp(frame.height() - 2 * Margin, SmallestText, LargestText));
+/// The desktop's font, made smaller where the field is too low for it.
+QFont fontFor(const QRect& frame, QFont font) {
+    const int largest = std::max(QFontInfo(font).pixelSize(), SmallestText);
+    font.setPixelSize(std::clamp(frame.height() - 2 * Margin, SmallestText, largest));
     return font;
 }
 
@@ -76,15 +77,18 @@ std::optional<Move> bound(std::span<const Binding> bindings, QKeyEvent* event) {
 
 } // namespace
 
-InputField::InputField(const InputTextPresentation& presentation)
+InputField::InputField(const InputTextPresentation& presentation, DesktopLook look)
     : frame_(frameOf(presentation))
+    , look_(std::move(look))
     , isPassword_(presentation.isPassword)
     , store_(this)
-    , editor_(QString::fromStdString(presentation.defaultValue)) {
+    , editor_(QString::fromStdString(presentation.defaultValue))
+    , default_(presentation.defaultValue)
+    , untouched_(editor_.text()) {
     setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint);
     setMinimumSize(frame_.size());
     setMaximumSize(frame_.size());
-    layout_.setFont(fontFor(frame_));
+    layout_.setFont(fontFor(frame_, look_.font));
     setCursor(Qt::IBeamCursor);
     refresh();
 }
@@ -108,6 +112,10 @@ bool InputField::event(QEvent* event) {
     case QEvent::InputMethodQuery:
         answerInputMethod(static_cast<QInputMethodQueryEvent*>(event));
         return true;
+    case QEvent::Leave:
+        if (onPointerLeave)
+            onPointerLeave();
+        return true;
     case QEvent::Close:
         event->ignore();
         if (onCancel)
@@ -121,7 +129,7 @@ bool InputField::event(QEvent* event) {
 void InputField::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         if (onSubmit)
-            onSubmit(editor_.text().toStdString());
+            onSubmit(text());
     } else if (event->key() == Qt::Key_Escape) {
         if (onCancel)
             onCancel();
@@ -252,8 +260,21 @@ void InputField::timerEvent(QTimerEvent* event) {
         blink(!isCursorOn_);
 }
 
+std::string InputField::text() const {
+    // As it was given: the editor has read it as Unicode, and no more of it than a person would edit.
+    return editor_.text() == untouched_ ? default_ : editor_.text().toStdString();
+}
+
 QString InputField::displayed(const QString& text) const {
-    return isPassword_ ? QString(text.size(), QChar(0x25CF)) : text;
+    if (isPassword_)
+        return QString(text.size(), QChar(0x25CF));
+    QString shown = text;
+    // One line, in which every character keeps its place.
+    for (QChar& c : shown) {
+        if (LineEditor::isControl(c))
+            c = ' ';
+    }
+    return shown;
 }
 
 void InputField::refresh() {
@@ -315,7 +336,7 @@ void InputField::paint() {
     store_.resize(size());
     store_.beginPaint(all);
     {
-        const QPalette palette = QGuiApplication::palette();
+        const QPalette& palette = look_.palette;
         QPainter painter(store_.paintDevice());
         painter.fillRect(all, palette.color(QPalette::Base));
         painter.setPen(palette.color(QPalette::Mid));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OstrelEngine/Host/DesktopLook.h"
 #include "OstrelEngine/Host/LineEditor.h"
 #include "OstrelEngine/Measures/InputTextPresentation.h"
 
@@ -21,18 +22,22 @@ namespace Ostrel {
 class InputField final : public QWindow {
 public:
     /// Nothing is shown yet. The default text is selected.
-    explicit InputField(const InputTextPresentation& presentation);
+    InputField(const InputTextPresentation& presentation, DesktopLook look);
+
+    const DesktopLook& look() const { return look_; }
 
     /// Shows the field at its place in a panel whose top left corner lies there, and takes the keyboard.
     void open(const QPoint& panelPosition);
     /// The panel has been moved.
     void follow(const QPoint& panelPosition);
 
-    QString text() const { return editor_.text(); }
+    /// What Return submits: the default unchanged while nobody has changed it.
+    std::string text() const;
 
     /// Return and Escape. What is called may close the field.
     std::function<void(const std::string& text)> onSubmit;
     std::function<void()> onCancel;
+    std::function<void()> onPointerLeave;
 
 protected:
     bool event(QEvent* event) override;
@@ -62,13 +67,16 @@ private:
     int positionAt(const QPointF& point) const;
     QRectF cursorRectangle() const;
     QList<QTextLayout::FormatRange> decorations(const QPalette& palette) const;
-    /// What stands in the field: the text, or a dot for each character of a password.
+    /// What shows in the field: the text, line ends as blanks, or a dot for each character of a password.
     QString displayed(const QString& text) const;
 
     const QRect frame_;
+    const DesktopLook look_;
     const bool isPassword_;
     QBackingStore store_;
     LineEditor editor_;
+    const std::string default_;
+    const QString untouched_;
     /// What an input method has composed and not yet committed; it stands at the cursor.
     QString composition_;
     QTextLayout layout_;

@@ -9,10 +9,6 @@ namespace {
 /// Far more than a person types; a pasted file must not stop the widget.
 constexpr int MaxLength = 32768;
 
-bool isControl(QChar c) {
-    return c.category() == QChar::Other_Control || c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
-}
-
 int characterAt(const QString& text, int position) {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     finder.setPosition(position);
@@ -33,9 +29,13 @@ int wordStart(const QString& text, int position, qsizetype (QTextBoundaryFinder:
 
 } // namespace
 
-LineEditor::LineEditor(const QString& text) {
-    insert(text);
+LineEditor::LineEditor(const QString& text)
+    : text_(text.left(MaxLength)) {
     selectAll();
+}
+
+bool LineEditor::isControl(QChar c) {
+    return c.category() == QChar::Other_Control || c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
 }
 
 QString LineEditor::selectedText() const {

@@ -10,8 +10,11 @@ namespace Ostrel {
 /// reader takes for one character. Knows no window.
 class LineEditor {
 public:
-    /// All of the text is selected at first.
+    /// Holds the text as it is, line ends and all. All of it is selected at first.
     explicit LineEditor(const QString& text);
+
+    /// Line ends and what else shows nothing.
+    static bool isControl(QChar c);
 
     enum class Move { previousCharacter, nextCharacter, previousWord, nextWord, start, end };
     enum class Selection { drop, extend };

@@ -9,6 +9,7 @@
 #include "OstrelEngine/Host/WidgetCanvasView.h"
 #include "OstrelEngine/Host/WidgetPanel.h"
 #include "OstrelEngine/Runtime/Skin.h"
+#include "OstrelEngine/Runtime/SkinAtWork.h"
 #include "OstrelEngine/Runtime/SkinFactory.h"
 #include "OstrelPlatform/MainQueue.h"
 #include "OstrelPlatform/Platform.h"
@@ -62,6 +63,14 @@ std::optional<Point> WidgetController::windowOrigin() const {
     return skin_ ? std::optional(window_->panel.origin()) : std::nullopt;
 }
 
+std::optional<Rect> WidgetController::windowFrame() const {
+    if (!skin_)
+        return std::nullopt;
+    const Point origin = window_->panel.origin();
+    const QSize size = window_->panel.size();
+    return Rect{origin.x, origin.y, static_cast<double>(size.width()), static_cast<double>(size.height())};
+}
+
 std::optional<WidgetRuntimeState> WidgetController::snapshotRuntimeState() const {
     return skin_ ? std::optional(skin_->snapshotState()) : std::nullopt;
 }
@@ -79,6 +88,7 @@ std::optional<std::string> WidgetController::snapshotPreviewData(double maxDimen
 void WidgetController::start(std::optional<Point> origin, const std::optional<WidgetRuntimeState>& state) {
     if (skin_)
         return;
+    const SkinAtWork work(config_.filePath.c_str());
     const auto skin = makeSkin(config_, platform_, *this);
     if (state)
         skin->applyState(*state);
@@ -86,6 +96,8 @@ void WidgetController::start(std::optional<Point> origin, const std::optional<Wi
         origin = chooseOrigin ? chooseOrigin(skin->widgetSize()) : DefaultOrigin;
     WidgetPanelClient& client = *this;
     window_ = std::make_unique<Window>(skin, *origin, desktop_, client);
+    window_->panel.setSkinPath(config_.filePath);
+    window_->panel.setAppearance(platform_.appearance);
     skin->start();
     window_->panel.pinToDesktopLayer();
     skin_ = skin;
@@ -115,7 +127,7 @@ void WidgetController::activateConfig(const std::string& path, bool toggle) {
 }
 
 void WidgetController::refresh() {
-    post([this] { reload(); });
+    post([this] { reloadIfRunning(); });
 }
 
 void WidgetController::refreshApp() {
@@ -123,7 +135,7 @@ void WidgetController::refreshApp() {
         if (onRefreshAppRequest)
             onRefreshAppRequest();
         else
-            reload();
+            reloadIfRunning();
     });
 }
 
@@ -168,6 +180,7 @@ void WidgetController::stop() {
 }
 
 void WidgetController::stop(NotifyManager notify) {
+    const SkinAtWork work(config_.filePath.c_str());
     if (skin_)
         skin_->stop();
     const auto skin = std::exchange(skin_, nullptr);
@@ -177,6 +190,8 @@ void WidgetController::stop(NotifyManager notify) {
 }
 
 void WidgetController::reload() {
+    const auto path = config_.filePath;
+    const SkinAtWork work(path.c_str());
     const auto origin = windowOrigin();
     stop(NotifyManager::No);
     DiskFileProvider files;
@@ -184,6 +199,12 @@ void WidgetController::reload() {
     if (auto config = SkinLoader(files, diagnostics).load(config_.filePath))
         config_ = std::move(*config);
     start(origin);
+}
+
+/// What was asked for before a stop must not start the widget again, behind the back of those who were told.
+void WidgetController::reloadIfRunning() {
+    if (isRunning())
+        reload();
 }
 
 void WidgetController::toggleFreeze() {

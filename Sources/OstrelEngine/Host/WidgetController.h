@@ -34,6 +34,8 @@ public:
     bool isRunning() const { return skin_ != nullptr; }
     /// Bottom left corner, y upward, relative to the primary screen; absent while stopped.
     std::optional<Point> windowOrigin() const;
+    /// The same with the window's size, in points.
+    std::optional<Rect> windowFrame() const;
     /// Absent while stopped.
     std::optional<WidgetRuntimeState> snapshotRuntimeState() const;
     bool isFrozen() const;
@@ -91,6 +93,7 @@ private:
 
     /// Runs the work from the main queue, unless the controller is gone by then.
     void post(std::function<void()> work);
+    void reloadIfRunning();
 
     SkinConfig config_;
     const Platform& platform_;

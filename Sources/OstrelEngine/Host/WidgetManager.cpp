@@ -4,6 +4,7 @@
 #include "OstrelCore/Documents/SkinLoader.h"
 #include "OstrelCore/Files/Paths.h"
 #include "OstrelEngine/Host/WidgetController.h"
+#include "OstrelEngine/Runtime/SkinAtWork.h"
 #include "OstrelPlatform/MainQueue.h"
 #include "OstrelPlatform/Platform.h"
 
@@ -87,6 +88,7 @@ void WidgetManager::handleActivateConfig(const std::string& path, bool isToggle)
         return stop(key);
     DiskFileProvider files;
     DiagnosticCollector diagnostics;
+    const SkinAtWork work(key.c_str());
     if (auto config = SkinLoader(files, diagnostics).load(key))
         launch(std::move(*config));
 }

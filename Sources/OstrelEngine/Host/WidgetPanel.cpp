@@ -2,7 +2,9 @@
 
 #include "OstrelEngine/Host/PanelPlacement.h"
 #include "OstrelEngine/Host/WidgetCanvasView.h"
+#include "OstrelEngine/Runtime/SkinAtWork.h"
 
+#include <QCursor>
 #include <QExposeEvent>
 #include <QGuiApplication>
 #include <QMouseEvent>
@@ -166,16 +168,26 @@ void WidgetPanel::pinToDesktopLayer() {
 }
 
 bool WidgetPanel::event(QEvent* event) {
+    const SkinAtWork work(skinPath_.c_str());
     // A window manager's wish; what closes a widget is its own menu, or the program's end.
     if (event->type() == QEvent::Close) {
         event->ignore();
         return true;
     }
     if (event->type() == QEvent::Leave)
-        view_.input().mouseExited();
+        pointerDidLeave();
     const bool handled = QWindow::event(event);
     followScale();
     return handled;
+}
+
+/// The window system says so too when a window of ours comes between the pointer and the panel.
+void WidgetPanel::pointerDidLeave() {
+    // A menu holds the pointer; where that is tells once the menu is gone.
+    if (menu_)
+        return;
+    if (!field_ || !geometry().contains(QCursor::pos()))
+        view_.input().mouseExited();
 }
 
 void WidgetPanel::followScale() {
@@ -276,7 +288,7 @@ void WidgetPanel::showField(const std::optional<InputTextPresentation>& presenta
     field_.reset();
     if (!presentation)
         return;
-    field_.reset(new InputField(*presentation));
+    field_.reset(new InputField(*presentation, DesktopLook::of(appearance_)));
     // A key that was on its way to the field before this one answers nothing.
     field_->onSubmit = [this, field = field_.get()](const std::string& text) {
         if (field == field_.get())
@@ -286,18 +298,25 @@ void WidgetPanel::showField(const std::optional<InputTextPresentation>& presenta
         if (field == field_.get())
             view_.input().dismissActiveInputByUser();
     };
+    field_->onPointerLeave = [this] { pointerDidLeave(); };
     field_->open(position());
 }
 
 void WidgetPanel::showContextMenu(const QPoint& at) {
     const auto choose
         = [this](WidgetContextAction action) { return [this, action] { client_.contextActionChosen(action); }; };
-    menu_.reset(new ContextMenu({
-        {QStringLiteral("Freeze Widget"), !movableByBackground_, choose(WidgetContextAction::toggleFreeze)},
-        {},
-        {QStringLiteral("Unrender Widget"), false, choose(WidgetContextAction::unrender)},
-    }));
-    menu_->onClosed = [this] { menu_.reset(); };
+    menu_.reset(new ContextMenu(
+        {
+            {QStringLiteral("Freeze Widget"), !movableByBackground_, choose(WidgetContextAction::toggleFreeze)},
+            {},
+            {QStringLiteral("Unrender Widget"), false, choose(WidgetContextAction::unrender)},
+        },
+        DesktopLook::of(appearance_)));
+    menu_->onClosed = [this] {
+        menu_.reset();
+        if (!geometry().contains(QCursor::pos()))
+            view_.input().mouseExited();
+    };
     menu_->popUp(at);
 }
 

@@ -13,6 +13,7 @@
 
 namespace Ostrel {
 
+class DesktopAppearance;
 class DesktopPanels;
 class WidgetCanvasView;
 struct InputTextPresentation;
@@ -43,6 +44,11 @@ public:
     /// The origin stays: what grows does so upward and to the right. The view displays nothing yet.
     void setWidgetSize(Size widgetSize);
 
+    /// What its menu and its text field look like; null: the toolkit's own looks. It outlives the panel.
+    void setAppearance(DesktopAppearance* appearance) { appearance_ = appearance; }
+    /// For whom its events are handled.
+    void setSkinPath(std::string path) { skinPath_ = std::move(path); }
+
     bool isMovableByBackground() const { return movableByBackground_; }
     void setMovableByBackground(bool movable);
 
@@ -61,6 +67,7 @@ protected:
 private:
     void dragTo(const QPoint& pointer);
     bool isSecondPress(const QMouseEvent& event);
+    void pointerDidLeave();
     void showField(const std::optional<InputTextPresentation>& presentation) override;
     void showContextMenu(const QPoint& at);
 
@@ -81,6 +88,8 @@ private:
     WidgetPanelClient& client_;
     Size widgetSize_;
     double scale_ = 1;
+    std::string skinPath_;
+    DesktopAppearance* appearance_ = nullptr;
     bool movableByBackground_ = true;
     std::optional<Grip> grip_;
     /// The press before, while the next may be its second.

@@ -159,10 +159,11 @@ void NowPlayingMeasure::update() {
     const auto revision = bridge_->keeper().revision();
     if (revision == publishedRevision_)
         return publishUnchanged();
-    publishedRevision_ = revision;
     const auto state = bridge_->keeper().snapshot();
+    // The action may update this very measure, which then has to publish for those that read it.
     runTrackChangeActionIfNeeded(*state);
     publishState(*state);
+    publishedRevision_ = revision;
 }
 
 void NowPlayingMeasure::runTrackChangeActionIfNeeded(const MediaPlayerState& state) {

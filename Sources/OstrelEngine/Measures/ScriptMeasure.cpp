@@ -16,26 +16,10 @@ namespace {
 /// Far beyond any skin; a hostile number of sections must not stop the desktop.
 constexpr std::size_t MaxDispatches = 50000;
 
-struct FactoryOption {
-    std::string_view key;
-    std::string_view value;
-};
-
-std::string_view numberedOption(const Options& options, std::string_view name, std::int64_t number) {
+/// A copy, since what follows may set it.
+std::string numberedOption(const Options& options, std::string_view name, std::int64_t number) {
     const auto* text = options.find(std::string(name) + formatInteger(number));
-    return text ? std::string_view(*text) : std::string_view();
-}
-
-/// Option0 with Value0, Option1 with Value1 and so on up to the first gap; views into `options`.
-std::vector<FactoryOption> factoryOptions(const Options& options) {
-    std::vector<FactoryOption> result;
-    for (;;) {
-        const auto number = static_cast<std::int64_t>(result.size());
-        const auto key = numberedOption(options, "Option", number);
-        if (key.empty())
-            return result;
-        result.push_back({key, numberedOption(options, "Value", number)});
-    }
+    return text ? *text : std::string();
 }
 
 std::string scriptNumber(double value) {
@@ -84,18 +68,24 @@ bool ScriptMeasure::executeCommand(std::string_view text) {
 
 void ScriptMeasure::runFactoryInitialize() const {
     const auto count = parseInteger(option("Number"_key).value_or("0")).value_or(0);
-    // A copy: an option set from here may be one of our own.
-    const Options current = options();
-    const auto sectionTemplate = Ostrel::option(current, "SectionName"_key).value_or("");
+    const std::string sectionTemplate(option("SectionName"_key).value_or(""));
     if (sectionTemplate.empty())
         return;
-    const auto assignments = factoryOptions(current);
     std::size_t dispatched = 0;
-    for (std::int64_t index = 0; index < count && !assignments.empty() && dispatched < MaxDispatches; ++index) {
+    for (std::int64_t index = 0; index < count; ++index) {
         const auto section = applyFactorySubstitutions(sectionTemplate, index);
-        for (const auto& [key, value] : assignments)
+        const auto before = dispatched;
+        // Read again each time: an option that is set from here may be one of our own.
+        for (std::int64_t number = 0; dispatched < MaxDispatches; ++number, ++dispatched) {
+            const auto key = numberedOption(options(), "Option", number);
+            if (key.empty())
+                break;
+            const auto value = numberedOption(options(), "Value", number);
             dispatch("!SetOption", section, key, applyFactorySubstitutions(value, index));
-        dispatched += assignments.size();
+        }
+        // Nothing was set, so nothing will be.
+        if (dispatched == before)
+            return;
     }
 }
 

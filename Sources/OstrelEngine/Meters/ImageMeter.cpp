@@ -203,6 +203,9 @@ void ImageMeter::draw(QPainter& painter, MeasureValues values) {
 bool ImageMeter::updateAppearance(MeasureValues values) {
     const auto& style = state_->style(options());
     const auto name = state_->sourceName(style, values);
+    // Not only when it is drawn: without a size of its own the meter is nowhere to be drawn until its picture is known.
+    if (name && name != state_->loadedName)
+        state_->load(*name);
     const bool isOther = state_->shownStyle != style || (name && name != state_->shownName);
     state_->shownStyle = style;
     if (name)

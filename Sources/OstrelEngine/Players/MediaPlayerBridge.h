@@ -16,8 +16,8 @@ class PlayerTransport;
 class SerialQueue;
 struct PlayerTarget;
 
-/// Tells all measures what one player is doing, and it what they want: polls it in the background while somebody asks,
-/// so often at most that any number of measures cost one poll. Main thread, where nothing here waits.
+/// Polls one player for all measures that show it and sends it their commands. It polls in the background, only while a
+/// measure asks, and at most once an interval for any number of measures. Main thread; no call blocks.
 class MediaPlayerBridge {
 public:
     /// Seconds.
@@ -52,7 +52,7 @@ private:
     struct Activity;
 
     PlayerTarget target() const;
-    /// Has the transport rest when this was the last use for a while.
+    /// Tells the transport to rest, unless another use follows soon.
     void noteUse();
 
     MacOSPlayer player_;

@@ -6,6 +6,7 @@
 #include "OstrelEngine/Meters/MeterFactory.h"
 #include "OstrelEngine/Meters/Text/FontRegistry.h"
 #include "OstrelEngine/Runtime/OptionResolver.h"
+#include "OstrelEngine/Runtime/SkinAtWork.h"
 #include "OstrelPlatform/HostStatistics.h"
 #include "OstrelPlatform/MainQueue.h"
 #include "OstrelPlatform/Platform.h"
@@ -115,7 +116,13 @@ void SkinRuntime::stop() {
     isStopping_ = false;
 }
 
+bool SkinRuntime::executeActionString(std::string_view action) {
+    const SkinAtWork work(config_.filePath.c_str());
+    return runner_.executeActionString(action);
+}
+
 void SkinRuntime::performUpdate() {
+    const SkinAtWork work(config_.filePath.c_str());
     ++tickCount_;
     for (std::size_t i = 0; i < measures_.count(); ++i) {
         if (!shouldUpdateMeasure(i))
@@ -163,12 +170,13 @@ bool SkinRuntime::isMeasureEnabledForActions(std::size_t position) {
 
 bool SkinRuntime::handleMouseEvent(MouseEventKind kind, Point point, std::optional<std::string_view> sourceMeterName) {
     const auto meter = sourceMeterName ? meters_.position(*sourceMeterName) : std::nullopt;
-    const auto rect = meter ? std::optional(meters_.at(*meter).frame().rect()) : std::nullopt;
     bool handled = false;
     for (const auto position : mouseMeasures_) {
         const auto action = option(measures_.at(position).options(), actionKey(kind));
         if (!isMeasureEnabledForActions(position) || !action || trimmed(*action).empty())
             continue;
+        // The action of an earlier measure may have moved the meter.
+        const auto rect = meter ? std::optional(meters_.at(*meter).frame().rect()) : std::nullopt;
         const auto text = MouseVariables::substitute(*action, point, rect, MouseVariables::Decimals::asNeeded);
         handled = executeActionString(text) || handled;
     }
@@ -201,12 +209,14 @@ void SkinRuntime::commandScroll(WidgetCommandScrollDirection direction) {
 }
 
 void SkinRuntime::submitInputText(std::string_view measureName, std::string_view value) {
+    const SkinAtWork work(config_.filePath.c_str());
     hostStatistics_.beginWake();
     if (auto* asking = measure(measureName))
         asking->submitInput(value);
 }
 
 void SkinRuntime::dismissInputText(std::string_view measureName) {
+    const SkinAtWork work(config_.filePath.c_str());
     hostStatistics_.beginWake();
     if (auto* asking = measure(measureName))
         asking->dismissInput();

@@ -64,7 +64,7 @@ public:
     /// Takes over all variables, and the visibility of meters that exist. The next publication shows it.
     void applyState(const WidgetRuntimeState& state) override;
 
-    bool executeActionString(std::string_view action) override { return runner_.executeActionString(action); }
+    bool executeActionString(std::string_view action) override;
     /// Runs the actions that measures have for the mouse. The source is the meter that the pointer belongs to, if any.
     /// True when one of them handled something.
     bool handleMouseEvent(MouseEventKind kind, Point point, std::optional<std::string_view> sourceMeterName);

@@ -46,7 +46,7 @@ public:
 
 private:
     Environment environment_;
-    // Destroyed from below: the system ends its queue before what runs on it goes.
+    // Members are destroyed in reverse order: the system ends its queue before the objects that run on it.
     std::unique_ptr<SpectrumAnalyzer> analyzer_;
     std::shared_ptr<AudioCapture> capture_;
     std::unique_ptr<AudioSystem> system_;

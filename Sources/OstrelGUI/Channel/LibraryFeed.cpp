@@ -13,8 +13,8 @@ namespace Ostrel {
 namespace {
 
 bool differBesidesPicture(const WidgetLibraryItem& a, const WidgetLibraryItem& b) {
-    return a.isRendered != b.isRendered || a.displayName != b.displayName || a.packageName != b.packageName
-        || a.relativePath != b.relativePath;
+    return a.isRendered != b.isRendered || a.isRunning != b.isRunning || a.failure != b.failure
+        || a.displayName != b.displayName || a.packageName != b.packageName || a.relativePath != b.relativePath;
 }
 
 } // namespace

@@ -20,6 +20,8 @@ nlohmann::json encode(const WidgetLibraryItem& item) {
         {"packageName", item.packageName},
         {"relativePath", item.relativePath},
         {"isRendered", item.isRendered},
+        {"isRunning", item.isRunning},
+        {"failure", item.failure},
     };
 }
 
@@ -31,10 +33,12 @@ std::optional<WidgetLibraryItem> decodeItem(const nlohmann::json& json) {
     auto packageName = text(json, "packageName");
     auto relativePath = text(json, "relativePath");
     const auto isRendered = boolean(json, "isRendered");
-    if (!path || !displayName || !packageName || !relativePath || !isRendered)
+    const auto isRunning = boolean(json, "isRunning");
+    auto failure = text(json, "failure");
+    if (!path || !displayName || !packageName || !relativePath || !isRendered || !isRunning || !failure)
         return std::nullopt;
     return WidgetLibraryItem{std::move(*path), std::move(*displayName), std::move(*packageName),
-        std::move(*relativePath), *isRendered, nullptr};
+        std::move(*relativePath), *isRendered, *isRunning, std::move(*failure), nullptr};
 }
 
 std::optional<std::string> text(const nlohmann::json& message, std::string_view name) {
@@ -60,6 +64,24 @@ std::vector<std::string> texts(const nlohmann::json& message, std::string_view n
     for (const auto& value : *list)
         if (value.is_string())
             result.push_back(value.get<std::string>());
+    return result;
+}
+
+nlohmann::json encodePackages(const PackageCache::Entries& entries) {
+    auto encoded = nlohmann::json::object();
+    for (const auto& [key, directory] : entries)
+        encoded[key] = directory;
+    return encoded;
+}
+
+PackageCache::Entries packages(const nlohmann::json& message, std::string_view name) {
+    PackageCache::Entries result;
+    const auto* encoded = member(message, name);
+    if (!encoded || !encoded->is_object())
+        return result;
+    for (const auto& [key, directory] : encoded->items())
+        if (directory.is_string())
+            result.emplace(key, directory.get<std::string>());
     return result;
 }
 

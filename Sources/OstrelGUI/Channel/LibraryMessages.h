@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OstrelCore/Packages/PackageCache.h"
 #include "OstrelGUI/WidgetLibraryItem.h"
 
 #include <nlohmann/json_fwd.hpp>
@@ -23,5 +24,10 @@ std::optional<bool> boolean(const nlohmann::json& message, std::string_view name
 std::optional<std::size_t> index(const nlohmann::json& message, std::string_view name);
 /// What is no text in the list is left out; empty when there is no list.
 std::vector<std::string> texts(const nlohmann::json& message, std::string_view name);
+
+/// The packages that have been unpacked, as a member of a message.
+nlohmann::json encodePackages(const PackageCache::Entries& entries);
+/// Empty when there is no such member.
+PackageCache::Entries packages(const nlohmann::json& message, std::string_view name);
 
 } // namespace Ostrel::LibraryMessages

@@ -1,5 +1,6 @@
 #include "OstrelGUI/Channel/RemoteWidgetLibrary.h"
 
+#include "OstrelCore/Packages/PackageCache.h"
 #include "OstrelGUI/Channel/LibraryMessages.h"
 #include "OstrelGUI/Channel/WindowChannel.h"
 #include "OstrelPlatform/MainQueue.h"
@@ -26,7 +27,8 @@ RemoteWidgetLibrary::RemoteWidgetLibrary(WindowChannel& channel, MainQueue& main
     , mainQueue_(mainQueue) { }
 
 void RemoteWidgetLibrary::registerDiscovered(std::span<const std::string> paths) {
-    channel_.send({{"type", "register"}, {"paths", paths}});
+    auto packages = LibraryMessages::encodePackages(PackageCache::shared().entries());
+    channel_.send({{"type", "register"}, {"paths", paths}, {"packages", std::move(packages)}});
 }
 
 void RemoteWidgetLibrary::renderWidget(const std::string& path) {

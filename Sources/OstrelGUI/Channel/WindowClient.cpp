@@ -1,5 +1,6 @@
 #include "OstrelGUI/Channel/WindowClient.h"
 
+#include "OstrelCore/Packages/PackageCache.h"
 #include "OstrelGUI/Channel/LibraryMessages.h"
 
 #include <nlohmann/json.hpp>
@@ -24,6 +25,8 @@ void WindowClient::setVisible(bool isVisible) {
 void WindowClient::handle(const nlohmann::json& message, std::string&& blob) {
     if (defaults_.handle(message))
         return;
+    if (LibraryMessages::text(message, "type") == "packages")
+        return PackageCache::shared().adopt(LibraryMessages::packages(message, "packages"));
     if (!library_.handle(message, std::move(blob)))
         return handleWish(message);
     // The settings come first.

@@ -1,5 +1,6 @@
 #include "OstrelGUI/Channel/WindowServer.h"
 
+#include "OstrelCore/Packages/PackageCache.h"
 #include "OstrelGUI/Channel/LibraryMessages.h"
 #include "OstrelGUI/Channel/SharedSettings.h"
 #include "OstrelGUI/WidgetLibrary.h"
@@ -35,6 +36,9 @@ WindowServer::WindowServer(
     };
     library_.onLibraryItemsChange = [this] { tellLater(); };
     sendSettings();
+    // The window's process may end and come back; it must not unpack again what an earlier one has unpacked.
+    channel_->send(
+        {{"type", "packages"}, {"packages", LibraryMessages::encodePackages(PackageCache::shared().entries())}});
     tell();
 }
 
@@ -100,9 +104,10 @@ void WindowServer::tell() {
 void WindowServer::handle(const nlohmann::json& message) {
     const auto type = LibraryMessages::text(message, "type").value_or("");
     const auto path = LibraryMessages::text(message, "path");
-    if (type == "register")
+    if (type == "register") {
+        PackageCache::shared().adopt(LibraryMessages::packages(message, "packages"));
         library_.registerDiscovered(LibraryMessages::texts(message, "paths"));
-    else if (type == "render" && path)
+    } else if (type == "render" && path)
         library_.renderWidget(*path);
     else if (type == "launch" && path)
         library_.launchWidget(*path);

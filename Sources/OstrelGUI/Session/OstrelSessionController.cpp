@@ -4,6 +4,7 @@
 #include "OstrelCore/Documents/SkinLoader.h"
 #include "OstrelEngine/Host/WidgetController.h"
 #include "OstrelEngine/Host/WidgetManager.h"
+#include "OstrelEngine/Runtime/SkinAtWork.h"
 #include "OstrelGUI/Session/PackRemoval.h"
 #include "OstrelGUI/SessionPaths.h"
 
@@ -59,7 +60,8 @@ OstrelSessionController::~OstrelSessionController() {
 
 void OstrelSessionController::saveNow() {
     store_.save(state_);
-    if (libraryItems_.update(state_) && onLibraryItemsChange)
+    const auto isRunning = [this](const std::string& path) { return widgetManager_.isRunning(path); };
+    if (libraryItems_.update(state_, isRunning, failures_) && onLibraryItemsChange)
         onLibraryItemsChange();
 }
 
@@ -82,6 +84,21 @@ void OstrelSessionController::restoreIfNeeded() {
     // Without what the launches have added; each widget's next change tells it again.
     state_ = std::move(remaining);
     saveNow();
+}
+
+void OstrelSessionController::setFailed(const std::string& path, const std::string& message) {
+    const auto position = state_.index(path);
+    if (!position)
+        return;
+    failures_[path] = message;
+    state_.widgets[*position].isRendered = false;
+    saveNow();
+}
+
+void OstrelSessionController::setAllFailed(const std::string& message) {
+    for (const auto& widget : OstrelSessionState(state_).widgets)
+        if (widget.isRendered)
+            setFailed(widget.path, message);
 }
 
 void OstrelSessionController::registerDiscovered(std::span<const std::string> paths) {
@@ -113,6 +130,7 @@ void OstrelSessionController::renderWidget(const std::string& text, std::optiona
     if (!fileExists(path))
         return;
     registerDiscovered(std::span(&path, 1), packs);
+    const SkinAtWork work(path.c_str());
     auto config = load(path);
     if (!config)
         return;
@@ -171,6 +189,7 @@ void OstrelSessionController::handleLaunch(const std::shared_ptr<WidgetControlle
     });
     controller->onWindowMoved = whileAlive([this, path](Point origin) { updateOrigin(path, origin); });
 
+    failures_.erase(path);
     auto widget = stateOf(path, true);
     widget.isRendered = true;
     if (const auto origin = controller->windowOrigin())

@@ -7,6 +7,7 @@
 #include "OstrelGUI/WidgetLibraryItem.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -38,6 +39,11 @@ public:
     /// After every change of the items. One observer; the session does not know windows.
     std::function<void()> onLibraryItemsChange;
 
+    /// Before `restoreIfNeeded`: this widget is not shown again by itself. The message stands in the library until it
+    /// is shown by hand, or the process ends.
+    void setFailed(const std::string& path, const std::string& message);
+    /// The same for all that were showing.
+    void setAllFailed(const std::string& message);
     /// Opens again what was showing; once in a process. Skins that are gone are forgotten.
     void restoreIfNeeded();
     /// Adds skins that are not known yet, with all others of their packs, not rendered.
@@ -74,6 +80,8 @@ private:
     /// Sorted when it is asked.
     mutable SessionLibraryItems libraryItems_;
     PreviewSchedule previews_;
+    /// By path, what speaks against showing it.
+    std::map<std::string, std::string> failures_;
     bool didRestore_ = false;
     bool isTerminating_ = false;
     /// Expires with the session.

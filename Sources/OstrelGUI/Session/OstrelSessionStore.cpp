@@ -32,6 +32,10 @@ OstrelSessionStore::OstrelSessionStore(UserDefaults& defaults)
 
 OstrelSessionStore::~OstrelSessionStore() {
     background_.reset();
+    if (unsaved_) {
+        savesToSkip_ = 0;
+        save(OstrelSessionState(*unsaved_));
+    }
     if (hasBase_ && journal_ && !journal_->isEmpty())
         writeBase(saved_, journal_->rotate());
 }
@@ -76,20 +80,27 @@ std::optional<OstrelSessionState> OstrelSessionStore::loadBase() {
 void OstrelSessionStore::save(const OstrelSessionState& state) {
     if (!isLoaded_)
         load();
+    // What was there at the start is small or nothing, so trying it costs little; the change goes behind it.
+    if (!hasBase_ && journal_ && unsaved_)
+        hasBase_ = writeBase(saved_, journal_->rotate());
     if (!hasBase_ || !journal_)
         return saveBase(state);
     const auto change = encodeChange(saved_, state);
-    if (!change)
+    if (!change) {
+        unsaved_.reset();
         return;
+    }
     // Somebody may have removed the folder, or put something in the journal's place.
     if (!journal_->append(*change))
         return saveBase(state);
+    unsaved_.reset();
     saved_ = state;
     if (journal_->size() > std::max<std::size_t>(MinFoldSize, baseSize_))
         foldLater();
 }
 
 void OstrelSessionStore::saveBase(const OstrelSessionState& state) {
+    unsaved_ = state;
     if (savesToSkip_ > 0) {
         --savesToSkip_;
         return;
@@ -99,6 +110,7 @@ void OstrelSessionStore::saveBase(const OstrelSessionState& state) {
         savesToSkip_ = SavesToSkip;
         return;
     }
+    unsaved_.reset();
     hasBase_ = true;
     saved_ = state;
 }

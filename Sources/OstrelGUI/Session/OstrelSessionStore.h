@@ -37,7 +37,7 @@ public:
     /// Once, before anything is saved.
     OstrelSessionState load();
     /// Returns when the state is safe against the end of this process. What cannot be stored is tried again with the
-    /// next save.
+    /// next save, and when the store ends.
     void save(const OstrelSessionState& state);
 
 private:
@@ -53,8 +53,10 @@ private:
     OstrelSessionState saved_;
     bool isLoaded_ = false;
     bool hasBase_ = false;
-    /// Saves to pass over before the base is tried again.
+    /// Saves to pass over before a whole session is written again.
     int savesToSkip_ = 0;
+    /// The newest state while it could not be stored, for a last try at the end.
+    std::optional<OstrelSessionState> unsaved_;
     std::atomic<std::size_t> baseSize_ = 0;
     /// Folds in the background; its thread begins with the first. It goes first, for its work uses the others.
     std::unique_ptr<ThreadSerialQueue> background_;

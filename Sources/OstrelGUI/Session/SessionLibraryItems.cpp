@@ -78,12 +78,13 @@ struct SessionLibraryItems::Card {
 SessionLibraryItems::SessionLibraryItems() = default;
 SessionLibraryItems::~SessionLibraryItems() = default;
 
-bool SessionLibraryItems::update(const OstrelSessionState& state) {
+bool SessionLibraryItems::update(
+    const OstrelSessionState& state, const IsRunning& isRunning, const Failures& failures) {
     const bool areSame = std::ranges::equal(state.widgets, cards_,
         [](const OstrelWidgetState& widget, const auto& card) { return widget.path == card->item.path; });
     if (!areSame)
         takeCards(state);
-    const bool isChanged = updateInPlace(state) || !areSame;
+    const bool isChanged = updateInPlace(state, isRunning, failures) || !areSame;
     isStale_ = isStale_ || isChanged;
     return isChanged;
 }
@@ -100,14 +101,21 @@ void SessionLibraryItems::takeCards(const OstrelSessionState& state) {
     isSorted_ = false;
 }
 
-bool SessionLibraryItems::updateInPlace(const OstrelSessionState& state) {
+bool SessionLibraryItems::updateInPlace(
+    const OstrelSessionState& state, const IsRunning& isRunning, const Failures& failures) {
     bool isChanged = false;
     for (std::size_t i = 0; i < cards_.size(); ++i) {
         const auto& widget = state.widgets[i];
         auto& card = *cards_[i];
-        if (card.item.isRendered == widget.isRendered && card.picture == widget.snapshotData)
+        const bool runs = widget.isRendered && isRunning && isRunning(widget.path);
+        const auto failure = failures.find(widget.path);
+        const std::string message = failure == failures.end() ? std::string() : failure->second;
+        if (card.item.isRendered == widget.isRendered && card.item.failure == message && card.item.isRunning == runs
+            && card.picture == widget.snapshotData)
             continue;
         card.item.isRendered = widget.isRendered;
+        card.item.isRunning = runs;
+        card.item.failure = message;
         card.picture = widget.snapshotData;
         isChanged = true;
     }
@@ -122,6 +130,8 @@ const std::vector<WidgetLibraryItem>& SessionLibraryItems::items() {
     if (std::exchange(isSorted_, true)) {
         for (std::size_t i = 0; i < order_.size(); ++i) {
             items_[i].isRendered = order_[i]->item.isRendered;
+            items_[i].isRunning = order_[i]->item.isRunning;
+            items_[i].failure = order_[i]->item.failure;
             items_[i].snapshotData = order_[i]->item.snapshotData;
         }
         return items_;

@@ -3,6 +3,8 @@
 #include "OstrelGUI/Session/OstrelSessionState.h"
 #include "OstrelGUI/WidgetLibraryItem.h"
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -18,8 +20,12 @@ public:
     SessionLibraryItems();
     ~SessionLibraryItems();
 
+    /// Asked for widgets that are marked as rendered; the others do not run. Null: none runs.
+    using IsRunning = std::function<bool(const std::string& path)>;
+    /// By path, what is to be said of a widget that is not shown.
+    using Failures = std::map<std::string, std::string>;
     /// Whether the items are others now.
-    bool update(const OstrelSessionState& state);
+    bool update(const OstrelSessionState& state, const IsRunning& isRunning = nullptr, const Failures& failures = {});
     /// As of the last update; good until the next one.
     const std::vector<WidgetLibraryItem>& items();
 
@@ -27,7 +33,7 @@ private:
     class Collation;
     struct Card;
 
-    bool updateInPlace(const OstrelSessionState& state);
+    bool updateInPlace(const OstrelSessionState& state, const IsRunning& isRunning, const Failures& failures);
     void takeCards(const OstrelSessionState& state);
     void sort();
 

@@ -3,6 +3,7 @@
 #include "OstrelCore/Documents/FileProvider.h"
 #include "OstrelCore/Documents/SkinLoader.h"
 #include "OstrelEngine/Host/WidgetManager.h"
+#include "OstrelEngine/Runtime/SkinAtWork.h"
 #include "OstrelGUI/Session/OstrelSessionController.h"
 
 #include <functional>
@@ -40,6 +41,7 @@ void SessionWidgetLibrary::renderWidget(const std::string& path) {
 void SessionWidgetLibrary::launchWidget(const std::string& path) {
     DiskFileProvider files;
     DiagnosticCollector diagnostics;
+    const SkinAtWork work(path.c_str());
     if (auto config = SkinLoader(files, diagnostics).load(path))
         widgetManager_.launch(std::move(*config));
 }

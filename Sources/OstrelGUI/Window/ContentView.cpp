@@ -71,24 +71,32 @@ void ContentView::presentOpenPanel() {
 }
 
 void ContentView::openSelection(std::span<const std::string> paths) {
+    scan(paths, ShowSkin::Yes);
+}
+
+void ContentView::listSelection(std::span<const std::string> paths) {
+    scan(paths, ShowSkin::No);
+}
+
+void ContentView::scan(std::span<const std::string> paths, ShowSkin showSkin) {
     std::vector<std::string> selected;
     std::copy_if(paths.begin(), paths.end(), std::back_inserter(selected), SkinSelection::isValidSelection);
     if (selected.empty())
         return;
-    with_.scans.scan(selected, [window = QPointer(this), selected](const std::vector<std::string>& expanded) {
-        if (window)
-            window->didAdd(selected, expanded);
-    });
-}
-
-void ContentView::didAdd(const std::vector<std::string>& selected, const std::vector<std::string>& expanded) {
-    with_.library.registerDiscovered(expanded);
-    if (const auto selection = with_.scans.selection())
-        setSidebarSelection(SidebarSelection::ofScan(*selection));
-    if (!SkinSelection::shouldAutoRenderSelection(selected))
-        return;
-    for (const std::string& path : expanded)
-        packs_->launch(path);
+    const bool launches = showSkin == ShowSkin::Yes && SkinSelection::shouldAutoRenderSelection(selected);
+    with_.scans.scan(
+        selected, [window = QPointer(this), launches](const std::vector<std::string>& expanded, bool areListed) {
+            if (!window)
+                return;
+            auto& library = window->with_.library;
+            library.registerDiscovered(expanded);
+            if (const auto selection = window->with_.scans.selection(); selection && areListed)
+                window->setSidebarSelection(SidebarSelection::ofScan(*selection));
+            if (!launches)
+                return;
+            for (const std::string& path : expanded)
+                window->packs_->launch(path);
+        });
 }
 
 void ContentView::clearScans() {
@@ -150,7 +158,7 @@ bool ContentView::isRunning(const std::string& path) const {
     const std::string standard = standardizedPath(path);
     const auto& items = with_.library.libraryItems();
     return std::any_of(items.begin(), items.end(),
-        [&](const WidgetLibraryItem& item) { return item.isRendered && item.path == standard; });
+        [&](const WidgetLibraryItem& item) { return item.isRunning && item.path == standard; });
 }
 
 void ContentView::showDetail() {

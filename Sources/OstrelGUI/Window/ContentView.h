@@ -57,6 +57,8 @@ public:
     /// What the user has chosen, in the panel, by a drop or in a file manager. What is no skin, package or folder is
     /// dropped.
     void openSelection(std::span<const std::string> paths);
+    /// The same for skins that are shown already.
+    void listSelection(std::span<const std::string> paths);
     void clearScans();
     void removeScans(std::span<const std::size_t> offsets);
 
@@ -84,9 +86,10 @@ private:
     void observe();
     void applyStyleSheet();
 
+    enum class ShowSkin { No, Yes };
+    void scan(std::span<const std::string> paths, ShowSkin showSkin);
     /// The detail shows the scan in the dialect of its pack.
     void showScan(const ScannerViewModel::ScanItem& scan);
-    void didAdd(const std::vector<std::string>& selected, const std::vector<std::string>& expanded);
     void scansDidChange(const ScannerViewModel::Change& change);
     void libraryDidChange();
     void showDetail();

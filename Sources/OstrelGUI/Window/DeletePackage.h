@@ -19,7 +19,7 @@ struct DeletePackageRequest {
     static DeletePackageRequest make(const LibraryGroup& group);
 };
 
-/// What the user is asked; null when it is not known any more what was wished.
+/// What the user is asked; the request is null when what was to be deleted is gone.
 QString deleteConfirmationText(const DeletePackageRequest* request);
 
 } // namespace Ostrel

@@ -19,13 +19,15 @@ struct Kind {
     const char* title;
     std::vector<std::string> PackWants::*wanted;
     bool PackPermissions::*allowed;
+    /// Whether it is on until the user says otherwise.
+    bool isSuggested;
 };
 
 constexpr std::array<Kind, 4> Kinds = {{
-    {"Run scripts in a sandbox", &PackWants::scripts, &PackPermissions::scripts},
-    {"Read from the web", &PackWants::web, &PackPermissions::web},
-    {"Start programs", &PackWants::programs, &PackPermissions::programs},
-    {"Read files outside its folder", &PackWants::files, &PackPermissions::files},
+    {"Run scripts in a sandbox", &PackWants::scripts, &PackPermissions::scripts, true},
+    {"Read from the web", &PackWants::web, &PackPermissions::web, true},
+    {"Start programs", &PackWants::programs, &PackPermissions::programs, false},
+    {"Read files outside its folder", &PackWants::files, &PackPermissions::files, false},
 }};
 
 /// A script is told by its place in the pack.
@@ -84,7 +86,7 @@ void PackLaunch::ask(const std::string& root, const PackWants& wants) {
         const auto& items = wants.*kind.wanted;
         if (items.empty())
             continue;
-        question.kinds.push_back({QString::fromUtf8(kind.title), shownItems(items, root)});
+        question.kinds.push_back({QString::fromUtf8(kind.title), shownItems(items, root), kind.isSuggested});
         asked.push_back(kind);
     }
     dialogs_.askPermissions(window_, question, [this, root, asked](const std::optional<std::vector<bool>>& answers) {

@@ -151,9 +151,11 @@ void paint(QPainter& painter, const QRect& card, const WidgetLibraryItem& item, 
     text.translate(0, text.height() + 1);
     text.setHeight(look.captionMetrics.height());
     painter.setFont(look.caption);
-    painter.setPen(theme.dim);
+    const bool hasFailed = !item.failure.empty();
+    painter.setPen(hasFailed ? theme.error : theme.dim);
     painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter,
-        look.captionMetrics.elidedText(textOf(item.relativePath), Qt::ElideMiddle, text.width()));
+        look.captionMetrics.elidedText(textOf(hasFailed ? item.failure : item.relativePath),
+            hasFailed ? Qt::ElideRight : Qt::ElideMiddle, text.width()));
 
     const QRect button = buttonRect(card, item, look);
     paintStatus(painter,

@@ -29,7 +29,9 @@ LinuxPlatform::LinuxPlatform()
           .scripts = &scripts_,
           .programs = &programs_,
           .web = &web_,
-          .worker = &worker_} { }
+          .worker = &worker_,
+          .networkProbe = &networkProbe_,
+          .soundControl = &soundControl_} { }
 
 LinuxPlatform::~LinuxPlatform() = default;
 

@@ -6,8 +6,10 @@
 #include "OstrelPlatform/Linux/Desktop/QSettingsUserDefaults.h"
 #include "OstrelPlatform/Linux/Files/FileSystemRecycleManagerBackend.h"
 #include "OstrelPlatform/Linux/Host/LinuxHostStatistics.h"
+#include "OstrelPlatform/Linux/Host/LinuxNetworkProbe.h"
 #include "OstrelPlatform/Linux/Programs/LinuxProgramRunner.h"
 #include "OstrelPlatform/Linux/Scripts/LazyScriptEngine.h"
+#include "OstrelPlatform/Linux/Sound/LazySoundControl.h"
 #include "OstrelPlatform/Linux/Time/LinuxClock.h"
 #include "OstrelPlatform/Linux/Time/QtMainQueue.h"
 #include "OstrelPlatform/Linux/Web/LazyRemoteReader.h"
@@ -36,6 +38,8 @@ private:
     LinuxHostStatistics hostStatistics_;
     QtMainQueue mainQueue_;
     ThreadSerialQueue worker_;
+    LinuxNetworkProbe networkProbe_{mainQueue_};
+    LazySoundControl soundControl_{mainQueue_};
     FontconfigRegistrar fonts_;
     LazyRemoteReader remoteReader_;
     LazyScriptEngine scripts_;

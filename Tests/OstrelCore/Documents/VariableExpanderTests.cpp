@@ -122,6 +122,25 @@ TEST(VariableExpander, keepsTextsAndItsWorkBounded) {
     EXPECT_EQ(expanded(store, "#Openers#]", 1).size(), 600001U) << "each opener before one far closer";
 }
 
+// 113 bytes took five seconds: names beyond ASCII grow without end, and each opener before the far closer folds one.
+// How far the texts got tells how much was done.
+TEST(VariableExpander, countsTheFoldingOfNamesThatGrow) {
+    std::string letters;
+    for (int i = 0; i < 21; ++i)
+        letters += "\xC3\xBF";
+    VariableStore store;
+    for (const auto& [name, value] : {std::pair<std::string, std::string>("A", "x#B#"),
+             {"B", "[" + letters.substr(0, 12) + "[#[#A]]##" + letters.substr(12) + "#C]"}, {"C", "#D##E#"},
+             {"D", "[#F"}, {"F", "]"}, {"a", "#A#"}, {"b", "[#B]"}, {"c", "[![#A]]##"}, {"@", "[*#@#*]#@#"}})
+        store.setUserVariableIfAbsent(name, value);
+    DiagnosticCollector diagnostics;
+    VariableExpander expander(store, diagnostics);
+    EXPECT_LT(expander.expand("#A#").size(), 9000U);
+    EXPECT_EQ(diagnostics.warnings().size(), 1U);
+    const std::string openers = replacingOccurrences(std::string(300000, '#'), "#", "[#") + "]";
+    EXPECT_EQ(expander.expand(openers), openers) << "nothing is looked up any more";
+}
+
 TEST(VariableStore, tellsASkinItsPlace) {
     const TemporaryFolder folder;
     folder.write("Suite/@resources/x", "");

@@ -273,6 +273,15 @@ TEST(FullSkinTests, saysMeasuresInEveryForm) {
     }
 }
 
+TEST(FullSkinTests, countsWhatHasNoValueYetAsNothing) {
+    RunningFullSkin skin("[First]\nMeasure=String\nString=<[S]|[C]|[C:]|[C:%]>\nDynamicVariables=1\n"
+                         "[S]\nMeasure=String\nString=abc\n[C]\nMeasure=Calc\nFormula=5\nMaxValue=10\n");
+    skin.skin->start();
+    EXPECT_EQ(skin.skin->measure("First")->value().stringValue, "<|0|0|0>");
+    skin.tick();
+    EXPECT_EQ(skin.skin->measure("First")->value().stringValue, "<abc|5|5|50>");
+}
+
 TEST(FullSkinTests, sendsBangsToOthers) {
     RunningFullSkin skin("[M]\nMeter=Box\n");
     skin.skin->start();

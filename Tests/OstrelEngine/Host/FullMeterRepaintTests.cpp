@@ -1,8 +1,11 @@
 #include "OstrelEngine/Host/PictureDifference.h"
 #include "OstrelEngine/Host/WidgetCanvas.h"
 #include "OstrelEngine/Meters/Full/FullMeterFixture.h"
+#include "Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+
+#include <QImage>
 
 #include <algorithm>
 #include <random>
@@ -58,7 +61,39 @@ const std::vector<Kind> Kinds = {
                 {"", "Line 1,1,40,33 | StrokeWidth 4 | StrokeEndCap Triangle",
                     "Line 0.5,30,50,30.5 | StrokeDashes 2,1"}},
             {"Shape3", {"", "Combine Shape | XOR Shape2"}}, {"G", {"30 | 255,0,0 ; 0 | 0,0,255,90 ; 1"}}}},
+    {"String",
+        {{"Text", {"%1 and %2", "fixed", "A#CRLF#%1"}}, {"FontSize", {"7", "11.5", "20"}}, {"Angle", {"", "", "0.6"}},
+            {"StringEffect", {"", "Shadow", "Border"}}, {"StringAlign", {"", "CenterCenter", "RightBottom"}},
+            {"ClipString", {"0", "1", "2"}},
+            {"InlineSetting", {"", "Shadow | 3 | -2 | 2 | 200,0,0", "GradientColor | 0 | 255,0,0;0 | 0,0,255;1"}},
+            {"InlinePattern", {"", "\\d+"}}, {"InlineSetting2", {"", "Underline", "Size | 15"}},
+            {"FontColor", {"", "255,255,255,160"}}}},
+    {"Image",
+        {{"ImageName", {"picture", "none"}}, {"ImagePath", {"."}}, {"ImageTint", {"", "255,90,0,200"}},
+            {"ImageRotate", {"", "33"}}, {"ImageCrop", {"", "3,2,20,10"}}, {"PreserveAspectRatio", {"", "1", "2"}},
+            {"Tile", {"", "", "1"}}, {"ScaleMargins", {"", "3,3,3,3"}}, {"MaskImageName", {"", "", "picture"}},
+            {"MaskImagePath", {"."}}}},
+    {"Rotator",
+        {{"ImageName", {"picture"}}, {"ImagePath", {"."}}, {"OffsetX", {"0", "13"}}, {"OffsetY", {"0", "8.5"}},
+            {"StartAngle", {"0", "1.2"}}, {"RotationAngle", {"", "-3"}}}},
+    {"Bitmap",
+        {{"BitmapImage", {"picture"}}, {"ImagePath", {"."}}, {"BitmapFrames", {"3", "10"}},
+            {"BitmapExtend", {"0", "1"}}, {"BitmapSeparation", {"-2", "3"}}, {"BitmapTransitionFrames", {"0", "1"}}}},
 };
+
+/// A folder with the picture that meters name.
+const std::string& pictureFolder() {
+    static const TemporaryFolder folder;
+    static const std::string path = [] {
+        QImage picture(30, 18, QImage::Format_ARGB32);
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                picture.setPixelColor(x, y, QColor(x * 8, 255 - y * 9, 90, 255 - x * 6));
+        picture.save(QString::fromStdString(folder.path() + "/picture.png"));
+        return folder.path();
+    }();
+    return path;
+}
 
 /// Meters of every kind that change options, values, places and containers at random.
 class Scene {
@@ -101,6 +136,8 @@ public:
             default:
                 break;
             }
+            if (below(5) == 0)
+                meter->advance();
             if (below(3) != 0)
                 update(*meter);
         }
@@ -121,8 +158,9 @@ private:
 
     int below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
     void choose(FullMeter& meter, const Choice& choice) {
-        meter.setOption(
-            choice.key, choice.values[static_cast<std::size_t>(below(static_cast<int>(choice.values.size())))]);
+        const std::string value
+            = choice.values[static_cast<std::size_t>(below(static_cast<int>(choice.values.size())))];
+        meter.setOption(choice.key, value == "." ? pictureFolder() : value);
     }
     void move(FullMeter& meter) {
         meter.setOption("X", std::to_string(below(90) - 10));

@@ -5,8 +5,10 @@
 #include "OstrelEngine/Host/FakePanelClient.h"
 #include "OstrelEngine/Host/FakePointerClient.h"
 #include "OstrelEngine/Host/WidgetCanvasView.h"
+#include "OstrelPlatform/DesktopAppearance.h"
 
 #include <QClipboard>
+#include <QCursor>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QWheelEvent>
@@ -60,11 +62,11 @@ protected:
         QKeyEvent event(QEvent::KeyPress, code, modifiers, text);
         QCoreApplication::sendEvent(window, &event);
     }
-    InputField* openField(bool isPassword = false) {
+    InputField* openField(bool isPassword = false, const std::string& text = "old") {
         InputTextPresentation presentation;
         presentation.measureName = "Ask";
         presentation.frame = {60, 10, 80, 20};
-        presentation.defaultValue = "old";
+        presentation.defaultValue = text;
         presentation.isPassword = isPassword;
         view.input().promptInput(presentation);
         return shown<InputField>();
@@ -125,13 +127,54 @@ TEST_F(PanelInputTest, theFieldLiesOverThePanelAndAnswers) {
     key(field, Qt::Key_S, {}, Qt::ControlModifier);
     key(field, Qt::Key_Home);
     key(field, Qt::Key_Delete);
-    EXPECT_EQ(field->text(), QString::fromUtf8("\u00EBw"));
+    EXPECT_EQ(field->text(), "\u00EBw");
     panel.setPosition(panel.position() + QPoint(7, 9));
     QCoreApplication::processEvents();
     EXPECT_EQ(field->position(), panel.position() + QPoint(60, 10)) << "it follows the panel";
     key(field, Qt::Key_Return);
     EXPECT_THAT(log, ElementsAre("submit Ask \u00EBw"));
     EXPECT_FALSE(shown<InputField>());
+}
+
+TEST_F(PanelInputTest, theFieldGivesBackWhatNobodyHasChanged) {
+    const std::string given = "two\r\nlines\t\xC3\x28" + std::string(100000, 'x');
+    key(openField(false, given), Qt::Key_Return);
+    auto* field = openField(false, "a\nb");
+    key(field, Qt::Key_End);
+    key(field, Qt::Key_C, "c");
+    key(field, Qt::Key_Return);
+    EXPECT_THAT(log, ElementsAre("submit Ask " + given, "submit Ask a\nbc"));
+}
+
+TEST_F(PanelInputTest, aMenuOrFieldUnderThePointerIsNoLeave) {
+    const auto leave = [this](QWindow* window) {
+        QEvent event(QEvent::Leave);
+        QCoreApplication::sendEvent(window, &event);
+    };
+    const auto point = [this](QPoint at) { QCursor::setPos(panel.position() + at); };
+    const auto hover = [&] {
+        point({10, 10});
+        QMouseEvent move(QEvent::MouseMove, {10, 10}, panel.mapToGlobal(QPointF(10, 10)), Qt::NoButton, Qt::NoButton,
+            Qt::NoModifier);
+        QCoreApplication::sendEvent(&panel, &move);
+    };
+    hover();
+    mouse(QEvent::MouseButtonPress, {10, 10}, Qt::RightButton);
+    leave(&panel);
+    key(shown<ContextMenu>(), Qt::Key_Escape);
+    auto* field = openField();
+    leave(&panel);
+    EXPECT_THAT(log, ElementsAre("over"));
+    point({-50, 10});
+    leave(field);
+    EXPECT_THAT(log, ElementsAre("over", "leave"));
+    key(field, Qt::Key_Escape);
+    hover();
+    mouse(QEvent::MouseButtonPress, {10, 10}, Qt::RightButton);
+    leave(&panel);
+    point({-50, 10});
+    key(shown<ContextMenu>(), Qt::Key_Escape);
+    EXPECT_THAT(log, ElementsAre("over", "leave", "dismiss Ask", "over", "leave"));
 }
 
 TEST_F(PanelInputTest, theFieldIsDismissedByEscapeAndByAClickOutside) {
@@ -151,13 +194,13 @@ TEST_F(PanelInputTest, theFieldTakesComposedTextAndTheClipboard) {
     QInputMethodEvent commit;
     commit.setCommitString(QString::fromUtf8("\u65E5"));
     QCoreApplication::sendEvent(field, &commit);
-    EXPECT_EQ(field->text(), QString::fromUtf8("\u65E5"));
+    EXPECT_EQ(field->text(), "\u65E5");
     key(field, Qt::Key_A, {}, Qt::ControlModifier);
     key(field, Qt::Key_X, {}, Qt::ControlModifier);
     EXPECT_EQ(field->text(), "");
     key(field, Qt::Key_V, {}, Qt::ControlModifier);
     key(field, Qt::Key_V, {}, Qt::ControlModifier);
-    EXPECT_EQ(field->text(), QString::fromUtf8("\u65E5\u65E5"));
+    EXPECT_EQ(field->text(), "\u65E5\u65E5");
 }
 
 TEST_F(PanelInputTest, aPasswordStaysInItsField) {
@@ -171,6 +214,26 @@ TEST_F(PanelInputTest, aPasswordStaysInItsField) {
     EXPECT_TRUE(query.value(Qt::ImHints).toInt() & Qt::ImhHiddenText);
     key(field, Qt::Key_Enter);
     EXPECT_THAT(log, ElementsAre("submit Ask old"));
+}
+
+TEST_F(PanelInputTest, menuAndFieldLookLikeTheDesktop) {
+    struct Dark final : DesktopAppearance {
+        std::optional<RGBColor> accentColor() override { return RGBColor{1, 0.5, 0}; }
+        std::optional<bool> prefersDark() override { return true; }
+        std::optional<double> interfaceFontSize() override { return 20; }
+    } dark;
+    mouse(QEvent::MouseButtonPress, {10, 10}, Qt::RightButton);
+    const int usual = shown<ContextMenu>()->height();
+    key(shown<ContextMenu>(), Qt::Key_Escape);
+    panel.setAppearance(&dark);
+    mouse(QEvent::MouseButtonPress, {10, 10}, Qt::RightButton);
+    auto* menu = shown<ContextMenu>();
+    EXPECT_GT(menu->height(), usual);
+    EXPECT_EQ(menu->look().palette.color(QPalette::Highlight).name().toStdString(), "#ff8000");
+    for (const auto& palette : {menu->look().palette, openField()->look().palette}) {
+        EXPECT_LT(palette.color(QPalette::Base).lightness(), 64);
+        EXPECT_GT(palette.color(QPalette::Text).lightness(), 200);
+    }
 }
 
 TEST_F(PanelInputTest, theContextMenuActsByPointerAndKeys) {

@@ -76,6 +76,17 @@ TEST_F(WidgetControllerTest, showsASkinWhereItOpensAndOnce) {
     EXPECT_EQ(widget.windowOrigin(), (Point{50, 60}));
 }
 
+TEST_F(WidgetControllerTest, staysStoppedWhenARefreshWasAskedForBefore) {
+    auto& widget = open("[Rainmeter]\n[Tick]\nMeasure=Calc\nFormula=Tick+1\nIfEqualValue=2\n"
+                        "IfEqualAction=[!DeactivateConfig][!Refresh][!RefreshApp][!ActivateConfig Other]\n");
+    std::string activated;
+    widget.onActivateConfigRequest = [&](const std::string& path, bool) { activated = path; };
+    tick(3);
+    EXPECT_FALSE(widget.isRunning());
+    EXPECT_EQ(stops, 1);
+    EXPECT_TRUE(activated.ends_with("/Other/Skin.ini")) << activated;
+}
+
 TEST_F(WidgetControllerTest, asksWhereToOpenWithTheSize) {
     WidgetController widget(load(RedSkin), fake.platform, desktop);
     widget.chooseOrigin = [](Size size) { return Point{size.width, size.height}; };

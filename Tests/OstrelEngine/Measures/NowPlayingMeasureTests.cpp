@@ -56,6 +56,18 @@ struct NowPlayingMeasureTests : testing::Test {
         .log = [this](std::string_view line) { log.emplace_back(line); }}};
 };
 
+TEST_F(NowPlayingMeasureTests, showsTheTrackToTheActionOfItsChange) {
+    auto& title = add("Title", {{"PlayerName", "Spotify"}, {"PlayerType", "Title"}, {"TrackChangeAction", "go"}});
+    std::string seen;
+    table->onAction = [&](std::string_view) {
+        title.update();
+        seen += title.value().stringValue + " ";
+    };
+    for (const auto* track : {"One", "Two"})
+        show(title, std::string(R"({"title":")") + track + R"(","state":"1"})");
+    EXPECT_EQ(seen, "One Two ") << "an update that the action asks for";
+}
+
 TEST_F(NowPlayingMeasureTests, yieldsEachFieldWithItsRange) {
     const struct {
         const char* type;

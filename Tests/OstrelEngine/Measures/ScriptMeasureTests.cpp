@@ -55,6 +55,17 @@ TEST(ScriptMeasure, factoryNeedsNumberAndName) {
         100000U);
 }
 
+TEST(ScriptMeasure, factorySeesTheOptionsThatItSetsItself) {
+    Script script({{"ScriptFile", "factory.lua"}, {"Number", "2"}, {"SectionName", "M%%"}, {"Option0", "X"},
+        {"Value0", "a"}, {"Option1", "Y"}, {"Value1", "b"}});
+    script.host.onAction = [&](std::string_view action) {
+        script.measure.setOption("Value1", action.find("M0") != action.npos ? "later" : "last");
+    };
+    EXPECT_THAT(script.afterCommand("Initialize"),
+        ElementsAre("[!SetOption \"M0\" \"X\" \"a\"]", "[!SetOption \"M0\" \"Y\" \"later\"]",
+            "[!SetOption \"M1\" \"X\" \"a\"]", "[!SetOption \"M1\" \"Y\" \"last\"]"));
+}
+
 TEST(ScriptMeasure, refresherRefreshesEveryOtherTime) {
     Script script({{"ScriptFile", "a/refresher.lua"}});
     EXPECT_THAT(

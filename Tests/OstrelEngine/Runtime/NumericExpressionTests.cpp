@@ -1,6 +1,7 @@
 #include "OstrelEngine/Runtime/NumericExpression.h"
 
 #include "OstrelCore/Text/Numbers.h"
+#include "Support/MissingTool.h"
 #include "Support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -178,7 +179,7 @@ std::string readAll(const std::string& path) {
 
 TEST(NumericExpressionTests, agreesWithAScriptEngineOnGeneratedTexts) {
     if (std::system("node --expose-internals -e \"require('internal/deps/acorn/acorn/dist/acorn')\" 2>/dev/null") != 0)
-        GTEST_SKIP() << "needs node to compare with";
+        OSTREL_SKIP_FOR_WANT_OF("node");
     TextGenerator generator;
     nlohmann::json texts = nlohmann::json::array();
     for (int i = 0; i < 40000; ++i)

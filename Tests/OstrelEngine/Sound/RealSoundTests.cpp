@@ -1,8 +1,10 @@
 #include "OstrelEngine/Sound/AudioLevelSpectrumSource.h"
 #include "OstrelEngine/Sound/Tones.h"
+#include "OstrelPlatform/Linux/Sound/LazySoundControl.h"
 #include "OstrelPlatform/Linux/Sound/LinuxSound.h"
 #include "OstrelPlatform/Linux/Time/LinuxClock.h"
 #include "OstrelPlatform/VirtualTime.h"
+#include "Support/MissingTool.h"
 #include "Support/SoundServer.h"
 
 #include <gmock/gmock.h>
@@ -31,7 +33,7 @@ class RealSound : public testing::TestWithParam<SoundServer::Kind> {
 protected:
     void SetUp() override {
         if (const auto missing = SoundServer::missingPart(GetParam()))
-            GTEST_SKIP() << *missing;
+            OSTREL_SKIP_FOR_WANT_OF(*missing);
         server.emplace(GetParam());
     }
 
@@ -166,6 +168,35 @@ TEST_P(RealSound, keepsUpdatingWhileTheServerHangs) {
     server->signal(SIGCONT);
     const auto player = play(1000);
     EXPECT_TRUE(hears(1000)) << testing::PrintToString(log());
+}
+
+TEST_P(RealSound, controlsTheOutputAndFollowsIt) {
+    ASSERT_TRUE(server->start());
+    VirtualTime queue;
+    LazySoundControl sound(queue, OSTREL_SOUND_MODULE_FILE);
+    const auto becomes = [&](auto condition) {
+        const auto end = std::chrono::steady_clock::now() + Deadline;
+        while (std::chrono::steady_clock::now() < end) {
+            queue.runQueued();
+            if (condition(sound.state()))
+                return true;
+            std::this_thread::sleep_for(UpdateInterval);
+        }
+        return false;
+    };
+    using State = SoundControl::State;
+    ASSERT_TRUE(becomes([](const State& state) { return state.isKnown; }));
+    EXPECT_NE(sound.state().description, "");
+    sound.setVolume(37);
+    EXPECT_TRUE(becomes([](const State& state) { return state.volume == 37 && !state.isMuted; }));
+    sound.toggleMute();
+    EXPECT_TRUE(becomes([](const State& state) { return state.isMuted; }));
+    sound.setVolume(80);
+    EXPECT_TRUE(becomes([](const State& state) { return state.volume == 80 && !state.isMuted; }));
+    sound.chooseNext(1);
+    sound.choose(99);
+    server->kill();
+    EXPECT_TRUE(becomes([](const State& state) { return !state.isKnown; }));
 }
 
 INSTANTIATE_TEST_SUITE_P(Servers, RealSound,

@@ -1,5 +1,6 @@
 #include "OstrelEngine/Sound/Tones.h"
 #include "Support/ChildProcess.h"
+#include "Support/MissingTool.h"
 #include "Support/SoundServer.h"
 
 #include <gtest/gtest.h>
@@ -87,10 +88,10 @@ protected:
     void SetUp() override {
         for (const char* part : {"Xvfb", "xdpyinfo", "import"}) {
             if (!hasProgram(part))
-                GTEST_SKIP() << part << " is not installed";
+                OSTREL_SKIP_FOR_WANT_OF(part);
         }
         if (const auto missing = SoundServer::missingPart(SoundServer::Kind::PulseAudio))
-            GTEST_SKIP() << *missing;
+            OSTREL_SKIP_FOR_WANT_OF(*missing);
         ASSERT_TRUE(server.start());
         processes.emplace_back(
             std::vector<std::string>{"Xvfb", display, "-screen", "0", "640x480x24", "-nolisten", "tcp"});

@@ -136,7 +136,7 @@ protected:
     }
 
     static WidgetLibraryItem item(const std::string& path) {
-        return {path, "name of " + path, "pack", path, false, {}};
+        return {path, "name of " + path, "pack", path, false, false, {}, {}};
     }
 
     void connect() {
@@ -159,7 +159,7 @@ protected:
             const auto& got = client->library().libraryItems();
             return std::ranges::equal(got, items, [](const auto& a, const auto& b) {
                 return a.path == b.path && a.displayName == b.displayName && a.packageName == b.packageName
-                    && a.relativePath == b.relativePath && a.isRendered == b.isRendered
+                    && a.relativePath == b.relativePath && a.isRendered == b.isRendered && a.isRunning == b.isRunning
                     && !a.snapshotData == !b.snapshotData && (!a.snapshotData || *a.snapshotData == *b.snapshotData);
             });
         });
@@ -194,6 +194,7 @@ TEST_F(WindowProcessesTest, theWindowIsReadyWithSettingsAndListAndThenFollowsThe
         library.notify();
     }
     library.items[0].isRendered = true;
+    library.items[1].isRunning = true;
     ASSERT_TRUE(windowHas(library.items));
     ASSERT_TRUE(comes([&] { return changes > 0; }));
     EXPECT_EQ(changes, 1) << "one look for many changes in one turn";

@@ -4,6 +4,7 @@
 #include "OstrelGUI/Session/SessionReplay.h"
 #include "OstrelPlatform/InMemoryUserDefaults.h"
 #include "OstrelPlatform/Linux/Desktop/QSettingsUserDefaults.h"
+#include "Support/PlayerBus.h"
 #include "Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -304,13 +305,12 @@ TEST_F(SessionStoreTest, foldsTheJournalWhenItGrowsAndAtTheEnd) {
         QSettingsUserDefaults defaults(settings);
         OstrelSessionStore store(defaults);
         store.save(state);
-        std::size_t largest = 0;
         for (int i = 0; i < 200; ++i) {
             state.widgets[0].snapshotData = picture(std::string(30000, static_cast<char>('a' + i % 26)));
             store.save(state);
-            largest = std::max(largest, journalSize());
         }
-        EXPECT_LT(largest, 6u << 20);
+        // In the background, however long the machine takes for it.
+        EXPECT_TRUE(comesTrue([&] { return journalSize() < (4u << 20); })) << journalSize();
     }
     EXPECT_EQ(reloaded(), state);
     EXPECT_EQ(journalSize(), 0u);
@@ -439,10 +439,14 @@ TEST_F(SessionStoreTest, keepsWorkingWhereNothingCanBeStored) {
             store.save(stateAfter(someSession(), i));
         // The disk is back.
         std::filesystem::remove(settings);
-        for (int i = 0; i < 500; ++i)
-            store.save(stateAfter(someSession(), i));
+        store.save(stateAfter(someSession(), 500));
+        EXPECT_EQ(reloaded(), stateAfter(someSession(), 500)) << "not with the next change";
+        std::filesystem::remove_all(settings);
+        folder.write("settings", "");
+        store.save(stateAfter(someSession(), 501));
+        std::filesystem::remove(settings);
     }
-    EXPECT_EQ(reloaded(), stateAfter(someSession(), 499));
+    EXPECT_EQ(reloaded(), stateAfter(someSession(), 501)) << "not at the end either";
 }
 
 TEST_F(SessionStoreTest, savesAllAnewWhenItsFilesAreTakenAway) {

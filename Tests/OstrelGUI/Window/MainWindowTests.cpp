@@ -58,10 +58,33 @@ TEST_F(WindowTest, aFolderFillsTheListsAndRendersNothing) {
     EXPECT_EQ(window->sidebarSelection(), SidebarSelection::ofScan(scans.items().front().id));
 }
 
+TEST_F(WindowTest, aSkinThatIsShownAlreadyIsListedAndSelectedLikeAnyOther) {
+    const std::string first = skin("First.ini");
+    const std::string second = skin("Second.ini");
+    choose(Kind::settings);
+    window->listSelection(std::vector{first});
+    ASSERT_TRUE(runLoopUntil([&] { return !library.calls.empty(); }));
+    EXPECT_EQ(window->sidebarSelection(), SidebarSelection::ofScan(scans.items().front().id));
+    openAndScan({second}, 2);
+    EXPECT_EQ(scans.selection(), window->sidebarSelection()->scan);
+    EXPECT_TRUE(showsText("First.ini")) << "what is selected stays";
+    EXPECT_THAT(library.calls, ElementsAre("register " + first, "register " + second, "launch " + second));
+}
+
+TEST_F(WindowTest, aClearWhileAFolderIsReadKeepsItInTheLibrary) {
+    const std::string path = skin("Pack/a.ini");
+    open({folder.path() + "/Pack"});
+    click("Clear");
+    ASSERT_TRUE(runLoopUntil([&] { return !library.calls.empty(); }));
+    EXPECT_THAT(library.calls, ElementsAre("register " + path));
+    EXPECT_THAT(scans.items(), IsEmpty());
+    EXPECT_TRUE(showsText("Select a scan"));
+}
+
 TEST_F(WindowTest, whatIsNoSkinIsDropped) {
     open({folder.write("notes.txt", "text"), folder.path() + "/gone"});
     open({});
-    QTest::qWait(50);
+    EXPECT_FALSE(scans.isExpanding());
     EXPECT_THAT(scans.items(), IsEmpty());
     EXPECT_THAT(library.calls, IsEmpty());
 }
@@ -127,6 +150,9 @@ TEST_F(WindowTest, aScanStartsAndStopsItsWidget) {
     WidgetLibraryItem item;
     item.path = path;
     item.isRendered = true;
+    library.setItems({item});
+    EXPECT_NE(button("Render Widget"), nullptr) << "it is to be shown, but did not load";
+    item.isRunning = true;
     library.setItems({item});
     click("Stop Widget");
     EXPECT_EQ(library.calls.back(), "unrender " + path);

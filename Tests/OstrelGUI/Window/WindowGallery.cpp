@@ -171,9 +171,9 @@ struct Gallery {
             {QStringLiteral("What may “Starlight” do?"),
                 QStringLiteral("Its skins ask for more than to draw. What you do not allow does not happen; the rest "
                                "works. You can change this in Settings."),
-                {{QStringLiteral("Run scripts in a sandbox"), {QStringLiteral("@Resources/Weather.lua")}},
+                {{QStringLiteral("Run scripts in a sandbox"), {QStringLiteral("@Resources/Weather.lua")}, true},
                     {QStringLiteral("Read from the web"),
-                        {QStringLiteral("api.example.org"), QStringLiteral("img.example.org")}}}},
+                        {QStringLiteral("api.example.org"), QStringLiteral("img.example.org")}, false}}},
             [](const auto&) {});
         saveDialog(*window, QStringLiteral("permissions"));
         dialogs->choosePaths(*window, [](const auto&) {});

@@ -4,6 +4,7 @@
 #include "OstrelEngine/Measures/Full/ActionTimerMeasure.h"
 #include "OstrelEngine/Measures/Full/FullAudioLevelMeasure.h"
 #include "OstrelEngine/Measures/Full/FullCalcMeasure.h"
+#include "OstrelEngine/Measures/Full/FullChameleonMeasure.h"
 #include "OstrelEngine/Measures/Full/FullDiskMeasure.h"
 #include "OstrelEngine/Measures/Full/FullFileViewMeasure.h"
 #include "OstrelEngine/Measures/Full/FullFolderInfoMeasure.h"
@@ -12,6 +13,7 @@
 #include "OstrelEngine/Measures/Full/FullMemoryMeasure.h"
 #include "OstrelEngine/Measures/Full/FullNetMeasure.h"
 #include "OstrelEngine/Measures/Full/FullNowPlayingMeasure.h"
+#include "OstrelEngine/Measures/Full/FullPingMeasure.h"
 #include "OstrelEngine/Measures/Full/FullPowerMeasure.h"
 #include "OstrelEngine/Measures/Full/FullProcessMeasure.h"
 #include "OstrelEngine/Measures/Full/FullProcessorMeasure.h"
@@ -21,6 +23,7 @@
 #include "OstrelEngine/Measures/Full/FullRunCommandMeasure.h"
 #include "OstrelEngine/Measures/Full/FullScriptMeasure.h"
 #include "OstrelEngine/Measures/Full/FullSensorMeasure.h"
+#include "OstrelEngine/Measures/Full/FullSoundMeasure.h"
 #include "OstrelEngine/Measures/Full/FullStringMeasure.h"
 #include "OstrelEngine/Measures/Full/FullStubMeasure.h"
 #include "OstrelEngine/Measures/Full/FullSysColorMeasure.h"
@@ -29,6 +32,7 @@
 #include "OstrelEngine/Measures/Full/FullUptimeMeasure.h"
 #include "OstrelEngine/Measures/Full/FullUsageMonitorMeasure.h"
 #include "OstrelEngine/Measures/Full/FullValueShaping.h"
+#include "OstrelEngine/Measures/Full/FullWiFiMeasure.h"
 #include "OstrelEngine/Measures/Full/WebParserMeasure.h"
 
 #include <algorithm>
@@ -69,6 +73,7 @@ constexpr Row Rows[] = {
     {"ADVANCEDCPU", Spelling::Plugin, make<FullUsageMonitorMeasure>, General},
     {"AUDIOLEVEL", Spelling::Plugin, make<FullAudioLevelMeasure>, General},
     {"CALC", Spelling::Type, make<FullCalcMeasure>, General},
+    {"CHAMELEON", Spelling::Plugin, make<FullChameleonMeasure>, General},
     {"CONFIGACTIVE", Spelling::Plugin, make<FullAbsentMeasure>, General},
     {"CORETEMP", Spelling::Plugin, make<FullCoreTempMeasure>, General},
     {"CPU", Spelling::Type, make<FullProcessorMeasure>, General},
@@ -83,6 +88,7 @@ constexpr Row Rows[] = {
     {"ISFULLSCREEN", Spelling::Plugin, make<FullStubMeasure>, General},
     {"ITUNESPLUGIN", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
     {"LOOP", Spelling::Type, make<FullLoopMeasure>, Looping},
+    {"MEDIAKEY", Spelling::Both, make<FullMediaKeyMeasure>, General},
     {"MEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
     {"MOUSE", Spelling::Plugin, make<FullStubMeasure>, General},
     {"MSIAFTERBURNER", Spelling::Plugin, make<FullStubMeasure>, General},
@@ -93,6 +99,7 @@ constexpr Row Rows[] = {
     {"NOWPLAYING", Spelling::Both, make<FullNowPlayingMeasure>, General},
     {"PERFMON", Spelling::Plugin, make<FullUsageMonitorMeasure>, General},
     {"PHYSICALMEMORY", Spelling::Type, make<FullMemoryMeasure>, OwnBoundsWithTotal},
+    {"PINGPLUGIN", Spelling::Plugin, make<FullPingMeasure>, General},
     {"POWERPLUGIN", Spelling::Plugin, make<FullPowerMeasure>, General},
     {"PROCESS", Spelling::Both, make<FullProcessMeasure>, General},
     {"QUOTEPLUGIN", Spelling::Plugin, make<FullQuoteMeasure>, General},
@@ -110,6 +117,8 @@ constexpr Row Rows[] = {
     {"UPTIME", Spelling::Type, make<FullUptimeMeasure>, General},
     {"USAGEMONITOR", Spelling::Plugin, make<FullUsageMonitorMeasure>, General},
     {"WEBNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},
+    {"WIFISTATUS", Spelling::Both, make<FullWiFiMeasure>, General},
+    {"WIN7AUDIOPLUGIN", Spelling::Plugin, make<FullWin7AudioMeasure>, General},
     {"WEBPARSER", Spelling::Both, make<WebParserMeasure>, General},
     {"WINDOWMESSAGEPLUGIN", Spelling::Plugin, make<FullStubMeasure>, General},
     {"WINDOWSNOWPLAYING", Spelling::Plugin, make<FullNowPlayingMeasure>, General},

@@ -13,7 +13,7 @@ struct WebPart {
     /// Of the measure.
     std::string name;
     /// Empty: the captures are those of the parent.
-    std::string pattern;
+    std::string pattern = {};
     int index = 0;
     int index2 = 0;
     /// 1 numeric and named, 2 numeric, 3 named.

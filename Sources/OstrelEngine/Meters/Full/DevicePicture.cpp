@@ -67,9 +67,11 @@ void DevicePicture::copyTo(QPainter& painter) {
         kept_.drop();
 }
 
-void fillExactly(QPainter& painter, const QRectF& rect, const QBrush& brush) {
-    if (painter.deviceTransform().type() <= QTransform::TxScale) {
-        painter.fillRect(rect, brush);
+void fillExactly(QPainter& painter, const QRectF& rect, const QColor& color, bool isSmooth) {
+    if (painter.testRenderHint(QPainter::Antialiasing) != isSmooth)
+        painter.setRenderHint(QPainter::Antialiasing, isSmooth);
+    if (painter.worldTransform().type() <= QTransform::TxScale) {
+        painter.fillRect(rect, color);
         return;
     }
     QPainterPath path(rect.topLeft());
@@ -77,7 +79,7 @@ void fillExactly(QPainter& painter, const QRectF& rect, const QBrush& brush) {
     path.lineTo(rect.bottomRight());
     path.lineTo(rect.bottomLeft());
     path.closeSubpath();
-    painter.fillPath(path, brush);
+    painter.fillPath(path, color);
 }
 
 } // namespace Ostrel

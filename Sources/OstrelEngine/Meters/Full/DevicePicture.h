@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QBrush>
+#include <QColor>
 #include <QImage>
 #include <QPainter>
 #include <QRect>
@@ -81,6 +81,6 @@ private:
 
 /// Fills a rectangle to the same pixels whatever the painter's clip is; the painter's own way does not where its
 /// transformation turns.
-void fillExactly(QPainter& painter, const QRectF& rect, const QBrush& brush);
+void fillExactly(QPainter& painter, const QRectF& rect, const QColor& color, bool isSmooth);
 
 } // namespace Ostrel

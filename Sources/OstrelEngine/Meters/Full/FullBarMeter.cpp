@@ -67,8 +67,7 @@ void FullBarMeter::drawContent(QPainter& painter) {
         const Rect bar = part(0, length_);
         if (bar.isEmpty() || look_.color[3] == 0)
             return;
-        painter.setRenderHint(QPainter::Antialiasing, isSmooth(false));
-        fillExactly(painter, placed(bar), toQColor(look_.color));
+        fillExactly(painter, placed(bar), toQColor(look_.color), isSmooth(false));
         return;
     }
     if (picture_.image().isNull())

@@ -87,13 +87,13 @@ QLinearGradient backgroundGradient(const Look& look, const QRectF& box) {
     return gradient;
 }
 
-void drawBevel(QPainter& painter, const QRectF& box, const QColor& leftTop, const QColor& rightBottom) {
+void drawBevel(QPainter& painter, const QRectF& box, const QColor& leftTop, const QColor& rightBottom, bool isSmooth) {
     if (box.width() < 1 || box.height() < 1)
         return;
-    fillExactly(painter, QRectF(box.left(), box.top(), box.width(), 1), leftTop);
-    fillExactly(painter, QRectF(box.left(), box.top() + 1, 1, box.height() - 1), leftTop);
-    fillExactly(painter, QRectF(box.left() + 1, box.bottom() - 1, box.width() - 1, 1), rightBottom);
-    fillExactly(painter, QRectF(box.right() - 1, box.top() + 1, 1, box.height() - 2), rightBottom);
+    fillExactly(painter, QRectF(box.left(), box.top(), box.width(), 1), leftTop, isSmooth);
+    fillExactly(painter, QRectF(box.left(), box.top() + 1, 1, box.height() - 1), leftTop, isSmooth);
+    fillExactly(painter, QRectF(box.left() + 1, box.bottom() - 1, box.width() - 1, 1), rightBottom, isSmooth);
+    fillExactly(painter, QRectF(box.right() - 1, box.top() + 1, 1, box.height() - 2), rightBottom, isSmooth);
 }
 
 } // namespace
@@ -321,13 +321,10 @@ void FullMeter::drawBackground(QPainter& painter) {
             inner.fillRect(box, backgroundGradient(look, box));
         });
     } else if (look.solidColor.alpha() != 0) {
-        painter.setRenderHint(QPainter::Antialiasing, isSmooth(false));
-        fillExactly(painter, box, look.solidColor);
+        fillExactly(painter, box, look.solidColor, isSmooth(false));
     }
-    if (look.isBevelled) {
-        painter.setRenderHint(QPainter::Antialiasing, isSmooth(false));
-        drawBevel(painter, box, look.leftTopBevel, look.rightBottomBevel);
-    }
+    if (look.isBevelled)
+        drawBevel(painter, box, look.leftTopBevel, look.rightBottomBevel, isSmooth(false));
 }
 
 void FullMeter::drawTurnedContent(QPainter& painter) {

@@ -113,14 +113,13 @@ void HistogramMeter::drawColumns(QPainter& painter, Index first, Index end) cons
         const double autoShare = state_->largest > 0 ? std::clamp(stored->value / state_->largest, 0.0, 1.0) : 0;
         return std::round((isAutoScaled() ? autoShare : stored->share) * height);
     };
-    painter.setRenderHint(QPainter::Antialiasing, isSmooth(false));
     const QTransform toBox = this->toBox();
     const auto fill = [&](Index index, double from, double to, const QColor& color, std::size_t picture) {
         const QRectF column(static_cast<double>(index - first), from, 1, to - from);
         if (!(to > from))
             return;
         if (state_->pictureNames[picture].empty()) {
-            fillExactly(painter, column, color);
+            fillExactly(painter, column, color, isSmooth(false));
             return;
         }
         // The same place of the box and of the picture, which is drawn upright whatever way the columns go.

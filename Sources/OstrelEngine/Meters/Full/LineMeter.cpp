@@ -95,11 +95,10 @@ void LineMeter::prepareColumns(MeasureValues values) {
 void LineMeter::drawColumns(QPainter& painter, Index first, Index end) const {
     const auto& style = state_->style;
     const double height = columnHeight();
-    painter.setRenderHint(QPainter::Antialiasing, false);
     if (style.hasMarkers)
         for (const double share : {0.25, 0.5, 0.75})
-            fillExactly(
-                painter, QRectF(0, std::round(height * share), static_cast<double>(end - first), 1), style.markerColor);
+            fillExactly(painter, QRectF(0, std::round(height * share), static_cast<double>(end - first), 1),
+                style.markerColor, false);
     if (!(style.width > 0))
         return;
     painter.setRenderHint(QPainter::Antialiasing, style.isSmooth);

@@ -41,6 +41,10 @@ std::optional<RGBColor> LinuxAppearance::accentColor() {
     return accent ? accent : themeHighlight();
 }
 
+std::optional<double> LinuxAppearance::interfaceFontSize() {
+    return settings() ? settings_->interfaceFontSize() : std::nullopt;
+}
+
 std::optional<bool> LinuxAppearance::prefersDark() {
     return settings() ? settings_->prefersDark() : std::nullopt;
 }

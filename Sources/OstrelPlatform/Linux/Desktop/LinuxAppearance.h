@@ -18,6 +18,7 @@ public:
 
     std::optional<RGBColor> accentColor() override;
     std::optional<bool> prefersDark() override;
+    std::optional<double> interfaceFontSize() override;
 
 private:
     /// Null without a bus.

@@ -1,5 +1,7 @@
 #include "OstrelPlatform/Linux/Desktop/SettingsPortal.h"
 
+#include "OstrelCore/Text/Numbers.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -20,6 +22,8 @@ constexpr auto Interface = "org.freedesktop.portal.Settings";
 constexpr auto Namespace = "org.freedesktop.appearance";
 constexpr auto AccentKey = "accent-color";
 constexpr auto SchemeKey = "color-scheme";
+constexpr auto FontNamespace = "org.gnome.desktop.interface";
+constexpr auto FontKey = "font-name";
 constexpr auto ConnectionName = "ostrel-appearance";
 // Older portals have only the second, which wraps the value once more.
 constexpr auto ReadOne = "ReadOne";
@@ -27,7 +31,7 @@ constexpr auto Read = "Read";
 
 QDBusMessage question(const QString& method, const QString& key) {
     auto message = QDBusMessage::createMethodCall(Service, Path, Interface, method);
-    message << QString(Namespace) << key;
+    message << QString(key == FontKey ? FontNamespace : Namespace) << key;
     return message;
 }
 
@@ -65,6 +69,12 @@ std::optional<bool> prefersDarkOf(const QVariant& value) {
     return value == QVariant(Light) ? std::optional(false) : std::nullopt;
 }
 
+/// The points in "Cantarell Bold 11".
+std::optional<double> fontSizeOf(const QVariant& value) {
+    const auto size = parseDouble(value.toString().section(' ', -1).toStdString());
+    return size && *size > 0 && *size < 1000 ? size : std::nullopt;
+}
+
 } // namespace
 
 SettingsPortal::SettingsPortal(const std::string& busAddress, std::chrono::milliseconds patience)
@@ -79,7 +89,7 @@ SettingsPortal::SettingsPortal(const std::string& busAddress, std::chrono::milli
     auto* watcher = new QDBusServiceWatcher(Service, bus_, QDBusServiceWatcher::WatchForRegistration, this);
     connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, [this] { askLater(); });
     const QDeadlineTimer deadline(patience);
-    if (!ask(SchemeKey, deadline) || !ask(AccentKey, deadline))
+    if (!ask(SchemeKey, deadline) || !ask(AccentKey, deadline) || !ask(FontKey, deadline))
         askLater();
 }
 
@@ -102,7 +112,7 @@ bool SettingsPortal::ask(const QString& key, const QDeadlineTimer& deadline) {
 }
 
 void SettingsPortal::askLater() {
-    for (const char* key : {AccentKey, SchemeKey})
+    for (const char* key : {AccentKey, SchemeKey, FontKey})
         askLater(ReadOne, key);
 }
 
@@ -119,7 +129,7 @@ void SettingsPortal::askLater(const QString& method, const QString& key) {
 }
 
 void SettingsPortal::settingChanged(const QString& space, const QString& key, const QDBusVariant& value) {
-    if (space == Namespace)
+    if (space == (key == FontKey ? FontNamespace : Namespace))
         take(key, value.variant());
 }
 
@@ -129,6 +139,8 @@ void SettingsPortal::take(const QString& key, QVariant value) {
         accent_ = accentOf(value);
     else if (key == SchemeKey)
         prefersDark_ = prefersDarkOf(value);
+    else if (key == FontKey)
+        fontSize_ = fontSizeOf(value);
 }
 
 } // namespace Ostrel

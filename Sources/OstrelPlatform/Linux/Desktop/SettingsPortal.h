@@ -14,9 +14,10 @@ class QDeadlineTimer;
 
 namespace Ostrel {
 
-/// What the desktop tells about its looks over the session bus: org.freedesktop.portal.Settings, namespace
-/// org.freedesktop.appearance. Asked once when it is made, for a bounded time; an answer that comes later, a portal
-/// that starts later and every change are followed by the event loop. Without a bus nothing is known. One at a time.
+/// What the desktop tells about its looks over the session bus: org.freedesktop.portal.Settings, namespaces
+/// org.freedesktop.appearance and, for the font, org.gnome.desktop.interface. Asked once when it is made, for a bounded
+/// time; an answer that comes later, a portal that starts later and every change are followed by the event loop.
+/// Without a bus nothing is known. One at a time.
 class SettingsPortal final : public QObject, public DesktopAppearance {
     Q_OBJECT
 
@@ -28,6 +29,7 @@ public:
 
     std::optional<RGBColor> accentColor() override { return accent_; }
     std::optional<bool> prefersDark() override { return prefersDark_; }
+    std::optional<double> interfaceFontSize() override { return fontSize_; }
 
 private slots:
     void settingChanged(const QString& space, const QString& key, const QDBusVariant& value);
@@ -42,6 +44,7 @@ private:
     QDBusConnection bus_;
     std::optional<RGBColor> accent_;
     std::optional<bool> prefersDark_;
+    std::optional<double> fontSize_;
 };
 
 } // namespace Ostrel

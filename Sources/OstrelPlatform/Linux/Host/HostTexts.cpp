@@ -139,6 +139,17 @@ std::optional<Route> parseDefaultRoute6(std::string_view text) {
     return std::nullopt;
 }
 
+double parseWirelessQuality(std::string_view text, std::string_view interface) {
+    // Drivers count the link from 0 to 70.
+    constexpr double Best = 70;
+    for (const auto line : splitDroppingEmpty(text, '\n')) {
+        const auto row = words(line);
+        if (row.size() > 2 && row[0].ends_with(':') && row[0].substr(0, row[0].size() - 1) == interface)
+            return std::clamp(parseNumberPrefix(row[2]).value / Best * 100, 0.0, 100.0);
+    }
+    return 0;
+}
+
 std::optional<ProcessStat> parseProcessStat(std::string_view text) {
     constexpr std::size_t UserTicks = 11;
     constexpr std::size_t SystemTicks = 12;

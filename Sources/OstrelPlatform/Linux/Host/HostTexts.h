@@ -27,6 +27,9 @@ struct Route {
 std::optional<Route> parseDefaultRoute4(std::string_view text);
 std::optional<Route> parseDefaultRoute6(std::string_view text);
 
+/// The quality of a link in /proc/net/wireless, 0 to 100; 0 without a line.
+double parseWirelessQuality(std::string_view text, std::string_view interface);
+
 struct ProcessStat {
     std::string name;
     double ticks = 0;

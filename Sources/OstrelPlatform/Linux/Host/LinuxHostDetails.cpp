@@ -178,6 +178,10 @@ AdapterFacts LinuxHostDetails::adapter(const std::string& interface) {
     return facts;
 }
 
+double LinuxHostDetails::wirelessQuality(const std::string& interface) {
+    return HostTexts::parseWirelessQuality(read("/proc/net/wireless"), interface);
+}
+
 const ProcessSamples& LinuxHostDetails::processes() {
     return sampled(processes_, Age::Second, [this] { return readProcesses(); });
 }

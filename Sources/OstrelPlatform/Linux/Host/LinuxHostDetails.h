@@ -19,6 +19,7 @@ public:
     void beginWake() { ++wake_; }
     const std::vector<NetworkInterface>& networkInterfaces() override;
     AdapterFacts adapter(const std::string& interface) override;
+    double wirelessQuality(const std::string& interface) override;
     const ProcessSamples& processes() override;
     int threadCount() override;
     const std::vector<DiskActivity>& disks() override;

@@ -60,7 +60,7 @@ std::unique_ptr<BusConnection> BusConnection::open(Clock::time_point deadline) {
     return connection->sayHello(deadline) ? std::move(connection) : nullptr;
 }
 
-/// The library's own greeting would wait for a bus that hangs far longer than anyone can bear.
+/// Sends the greeting with our own deadline: the library's call waits for half a minute when the bus hangs.
 bool BusConnection::sayHello(Clock::time_point deadline) {
     const auto serial = send(busCall(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "Hello"));
     while (serial != 0) {

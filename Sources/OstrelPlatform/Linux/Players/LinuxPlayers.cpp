@@ -13,13 +13,14 @@
 namespace Ostrel::LinuxPlayers {
 
 std::unique_ptr<PlayerTransport> makeTransport(const Platform& platform) {
-    return std::make_unique<MprisTransport>([&mainQueue = platform.mainQueue, workspace = platform.workspace](
-                                                const std::string& program, const std::vector<std::string>& arguments) {
-        mainQueue.post([workspace, program, arguments] {
-            if (workspace)
-                workspace->launch(program, arguments);
+    return std::make_unique<MprisTransport>(platform.clock,
+        [&mainQueue = platform.mainQueue, workspace = platform.workspace](
+            const std::string& program, const std::vector<std::string>& arguments) {
+            mainQueue.post([workspace, program, arguments] {
+                if (workspace)
+                    workspace->launch(program, arguments);
+            });
         });
-    });
 }
 
 std::unique_ptr<SerialQueue> makeQueue(std::string_view label) {

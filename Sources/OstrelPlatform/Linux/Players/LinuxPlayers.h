@@ -15,7 +15,7 @@ namespace LinuxPlayers {
 /// What the platform names outlives it.
 std::unique_ptr<PlayerTransport> makeTransport(const Platform& platform);
 
-/// A queue whose thread bears the label, as far as the system's names reach.
+/// A queue whose thread is named by the label, cut to the length that the system allows.
 std::unique_ptr<SerialQueue> makeQueue(std::string_view label);
 
 } // namespace LinuxPlayers

@@ -14,9 +14,9 @@ constexpr const char* PlayerInterface = "org.mpris.MediaPlayer2.Player";
 /// Of those that nobody waits for; more are left for the next call.
 constexpr int MaxMessagesAtOnce = 1000;
 /// For so long, a position that came with everything else is that of now.
-constexpr auto FreshInterval = std::chrono::milliseconds(50);
+constexpr double FreshSeconds = 0.05;
 /// A silent player is asked again after this time, should its answer have been lost.
-constexpr auto PatienceWithSilence = std::chrono::seconds(10);
+constexpr double PatienceWithSilenceSeconds = 10;
 
 BusMessage propertiesCall(const std::string& busName, const char* method) {
     auto message = busCall(busName, ObjectPath, DBUS_INTERFACE_PROPERTIES, method);
@@ -47,14 +47,15 @@ bool isError(DBusMessage& message) {
 
 } // namespace
 
-MprisSession::MprisSession(std::unique_ptr<BusConnection> connection)
-    : connection_(std::move(connection)) { }
+MprisSession::MprisSession(const Clock& clock, std::unique_ptr<BusConnection> connection)
+    : clock_(clock)
+    , connection_(std::move(connection)) { }
 
-std::unique_ptr<MprisSession> MprisSession::open(Clock::time_point deadline) {
+std::unique_ptr<MprisSession> MprisSession::open(const Clock& clock, Deadline deadline) {
     auto connection = BusConnection::open(deadline);
     if (!connection)
         return nullptr;
-    std::unique_ptr<MprisSession> session(new MprisSession(std::move(connection)));
+    std::unique_ptr<MprisSession> session(new MprisSession(clock, std::move(connection)));
     session->subscribe();
     return session;
 }
@@ -69,7 +70,7 @@ void MprisSession::subscribe() {
     namesReply_ = connection_->send(busCall(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "ListNames"));
 }
 
-const MprisPlayer* MprisSession::find(const PlayerTarget& target, Clock::time_point deadline) {
+const MprisPlayer* MprisSession::find(const PlayerTarget& target, Deadline deadline) {
     if (!handleUntil(deadline, [&] { return isDecided(target); })) {
         for (auto& [name, known] : players_)
             known.isSilent = known.isSilent || !known.isDescribed;
@@ -77,7 +78,7 @@ const MprisPlayer* MprisSession::find(const PlayerTarget& target, Clock::time_po
     return selection_.select(candidates(), target);
 }
 
-const MprisPlayer* MprisSession::refresh(const MprisPlayer& player, Clock::time_point deadline) {
+const MprisPlayer* MprisSession::refresh(const MprisPlayer& player, Deadline deadline) {
     const auto busName = player.busName;
     const auto known = [&] {
         const auto found = players_.find(busName);
@@ -86,7 +87,7 @@ const MprisPlayer* MprisSession::refresh(const MprisPlayer& player, Clock::time_
     auto* asked = known();
     if (!asked)
         return nullptr;
-    if (asked->isAwaited() && asked->isSilent && Clock::now() - asked->asked < PatienceWithSilence)
+    if (asked->isAwaited() && asked->isSilent && clock_.uptimeSeconds() - asked->asked < PatienceWithSilenceSeconds)
         return nullptr;
     askWhatIsDue(*asked);
     const bool isDone = handleUntil(deadline, [&] { return !known() || !known()->isAwaited(); });
@@ -118,7 +119,7 @@ void MprisSession::askAll(Known& known, const char* interface, BusConnection::Se
     auto message = propertiesCall(known.player.busName, "GetAll");
     dbus_message_append_args(message.get(), DBUS_TYPE_STRING, &interface, DBUS_TYPE_INVALID);
     reply = connection_->send(std::move(message));
-    known.asked = Clock::now();
+    known.asked = clock_.uptimeSeconds();
 }
 
 void MprisSession::askPosition(Known& known) {
@@ -127,25 +128,26 @@ void MprisSession::askPosition(Known& known) {
     auto message = propertiesCall(known.player.busName, "Get");
     dbus_message_append_args(message.get(), DBUS_TYPE_STRING, &interface, DBUS_TYPE_STRING, &name, DBUS_TYPE_INVALID);
     known.positionReply = connection_->send(std::move(message));
-    known.asked = Clock::now();
+    known.asked = clock_.uptimeSeconds();
 }
 
 void MprisSession::askWhatIsDue(Known& known) {
     if (known.isAwaited() && !known.isSilent)
         return;
-    const auto age = Clock::now() - known.refreshed;
-    if (known.isSilent || known.isStale || age >= RefreshInterval) {
+    const double age = clock_.uptimeSeconds() - known.refreshed;
+    if (known.isSilent || known.isStale || age >= RefreshIntervalSeconds) {
         known.positionReply = 0;
         askAll(known, PlayerInterface, known.propertiesReply);
-    } else if (known.player.isPlaying() && age >= FreshInterval) {
+    } else if (known.player.isPlaying() && age >= FreshSeconds) {
         askPosition(known);
     }
 }
 
-template <typename Condition> bool MprisSession::handleUntil(Clock::time_point deadline, Condition isDone) {
+template <typename Condition> bool MprisSession::handleUntil(Deadline deadline, Condition isDone) {
     // A peer that never stops sending is listened to no longer than the others are waited for.
-    for (int handled = 0; Clock::now() < deadline && (handled < MaxMessagesAtOnce || !isDone()); ++handled) {
-        const auto message = connection_->receive(isDone() ? Clock::time_point() : deadline);
+    for (int handled = 0; BusConnection::Clock::now() < deadline && (handled < MaxMessagesAtOnce || !isDone());
+         ++handled) {
+        const auto message = connection_->receive(isDone() ? Deadline() : deadline);
         if (!message)
             break;
         handle(*message);
@@ -181,7 +183,7 @@ void MprisSession::handleReply(DBusMessage& message, BusConnection::Serial seria
             known.propertiesReply = 0;
             known.isStale = false;
             known.isBroken = isError(message);
-            known.refreshed = Clock::now();
+            known.refreshed = clock_.uptimeSeconds();
         } else if (serial == known.positionReply) {
             known.positionReply = 0;
             if (!isError(message))

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OstrelPlatform/Clock.h"
 #include "OstrelPlatform/Linux/Players/BusConnection.h"
 #include "OstrelPlatform/Linux/Players/MprisPlayer.h"
 #include "OstrelPlatform/Linux/Players/MprisSelection.h"
@@ -20,24 +21,25 @@ namespace Ostrel {
 /// everything, since not all players signal what they do. One thread.
 class MprisSession {
 public:
-    using Clock = BusConnection::Clock;
+    /// Of deadlines, which the bus waits for.
+    using Deadline = BusConnection::Clock::time_point;
     /// A poll that finds a player playing costs one round trip, one that finds it paused none, but after this time.
-    static constexpr auto RefreshInterval = std::chrono::seconds(2);
+    static constexpr double RefreshIntervalSeconds = 2;
     static constexpr std::size_t MaxPlayers = 64;
 
-    /// Null when there is no bus.
-    static std::unique_ptr<MprisSession> open(Clock::time_point deadline);
+    /// Null when there is no bus. The clock tells how old an answer is, and outlives the session.
+    static std::unique_ptr<MprisSession> open(const Clock& clock, Deadline deadline);
 
     /// Whether the bus is still there.
     bool isOpen() const { return connection_->isOpen(); }
     /// Reads what has arrived, then waits until it is known which player is meant. Null when there is none or it did
     /// not introduce itself in time.
-    const MprisPlayer* find(const PlayerTarget& target, Clock::time_point deadline);
+    const MprisPlayer* find(const PlayerTarget& target, Deadline deadline);
     /// Whether the bus has told which players there are.
     bool knowsPlayers() const { return hasNames_; }
     /// The same player brought up to date. Null when it has gone or does not answer in time; one that let an earlier
     /// deadline pass is not waited for again until it answers.
-    const MprisPlayer* refresh(const MprisPlayer& player, Clock::time_point deadline);
+    const MprisPlayer* refresh(const MprisPlayer& player, Deadline deadline);
     /// Sends a call to a player without waiting for a reply.
     void send(BusMessage message);
 
@@ -55,14 +57,15 @@ private:
         bool isStale = false;
         /// Whether it let a deadline pass and has not answered since.
         bool isSilent = false;
-        Clock::time_point refreshed;
-        Clock::time_point asked;
+        /// Uptimes.
+        double refreshed = 0;
+        double asked = 0;
 
         bool isAwaited() const { return applicationReply != 0 || propertiesReply != 0 || positionReply != 0; }
     };
     using Players = std::map<std::string, Known, std::less<>>;
 
-    explicit MprisSession(std::unique_ptr<BusConnection> connection);
+    MprisSession(const Clock& clock, std::unique_ptr<BusConnection> connection);
 
     void subscribe();
     void add(const std::string& busName, const std::string& owner);
@@ -71,7 +74,7 @@ private:
     /// Asks for what is due, if anything.
     void askWhatIsDue(Known& known);
     /// Handles messages until `isDone` or the deadline; the first round handles those that are there already.
-    template <typename Condition> bool handleUntil(Clock::time_point deadline, Condition isDone);
+    template <typename Condition> bool handleUntil(Deadline deadline, Condition isDone);
     void handle(DBusMessage& message);
     void handleReply(DBusMessage& message, BusConnection::Serial serial, std::string_view sender);
     void handleNames(DBusMessage& message);
@@ -81,6 +84,7 @@ private:
     std::vector<MprisSelection::Candidate> candidates() const;
     bool isDecided(const PlayerTarget& target) const;
 
+    const Clock& clock_;
     std::unique_ptr<BusConnection> connection_;
     BusConnection::Serial namesReply_ = 0;
     bool hasNames_ = false;

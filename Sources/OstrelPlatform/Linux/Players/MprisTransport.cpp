@@ -15,8 +15,10 @@ using Kind = PlayerCommand::Kind;
 
 } // namespace
 
-MprisTransport::MprisTransport(Launch launch)
-    : launch_(std::move(launch)) { }
+MprisTransport::MprisTransport(const Clock& clock, Launch launch, std::chrono::milliseconds timeout)
+    : clock_(clock)
+    , launch_(std::move(launch))
+    , timeout_(timeout) { }
 
 MprisTransport::~MprisTransport() = default;
 
@@ -32,14 +34,14 @@ void MprisTransport::rest() {
     session_.reset();
 }
 
-MprisSession* MprisTransport::session(MprisSession::Clock::time_point deadline) {
+MprisSession* MprisTransport::session(MprisSession::Deadline deadline) {
     if (!session_ || !session_->isOpen())
-        session_ = MprisSession::open(deadline);
+        session_ = MprisSession::open(clock_, deadline);
     return session_.get();
 }
 
 std::optional<std::string> MprisTransport::answer(const PlayerTarget& target) {
-    const auto deadline = MprisSession::Clock::now() + Timeout;
+    const auto deadline = BusConnection::Clock::now() + timeout_;
     auto* bus = session(deadline);
     if (!bus)
         return "NOT_RUNNING";
@@ -51,7 +53,7 @@ std::optional<std::string> MprisTransport::answer(const PlayerTarget& target) {
 }
 
 void MprisTransport::carryOut(const PlayerTarget& target, const PlayerCommand& command) {
-    const auto deadline = MprisSession::Clock::now() + Timeout;
+    const auto deadline = BusConnection::Clock::now() + timeout_;
     auto* bus = session(deadline);
     const auto* player = bus ? bus->find(target, deadline) : nullptr;
     if (player && command.kind != Kind::OpenPlayer)

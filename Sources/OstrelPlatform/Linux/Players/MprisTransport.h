@@ -11,6 +11,7 @@
 
 namespace Ostrel {
 
+class Clock;
 class MprisSession;
 
 /// The music players on the session's bus. Connects at the first poll or command. When the player that a skin names is
@@ -24,7 +25,8 @@ public:
     /// Starts a program at an absolute path; called on the bridge's queue.
     using Launch = std::function<void(const std::string& program, const std::vector<std::string>& arguments)>;
 
-    explicit MprisTransport(Launch launch);
+    /// The clock outlives the transport.
+    MprisTransport(const Clock& clock, Launch launch, std::chrono::milliseconds timeout = Timeout);
     ~MprisTransport() override;
 
     Poll poll(const PlayerTarget& target) override;
@@ -36,7 +38,9 @@ private:
     void carryOut(const PlayerTarget& target, const PlayerCommand& command);
     MprisSession* session(std::chrono::steady_clock::time_point deadline);
 
+    const Clock& clock_;
     Launch launch_;
+    std::chrono::milliseconds timeout_;
     std::unique_ptr<MprisSession> session_;
 };
 

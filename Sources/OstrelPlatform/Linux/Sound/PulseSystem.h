@@ -27,7 +27,8 @@ private:
         , tap_(*sleeper_, queue_)
         , queue_(*sleeper_) { }
 
-    // Destroyed from below: once the queue's thread has ended, the rest may go on any thread.
+    // Members are destroyed in reverse order: once the queue's thread has ended, the others may be destroyed on any
+    // thread.
     std::unique_ptr<PulseSleeper> sleeper_;
     PulseTap tap_;
     ThreadSerialQueue queue_;

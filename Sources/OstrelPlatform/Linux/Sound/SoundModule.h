@@ -3,10 +3,14 @@
 namespace Ostrel {
 
 class AudioSystem;
+class MainQueue;
+class SoundControl;
 
-/// The one symbol of the module that talks to the sound server; the caller owns the result, which is null when the
+/// The symbols of the module that talks to the sound server; the caller owns the results. The first is null when the
 /// machine lacks what it needs.
 using MakeAudioSystem = AudioSystem* (*)();
 inline constexpr const char* MakeAudioSystemName = "ostrelMakeAudioSystem";
+using MakeSoundControl = SoundControl* (*)(MainQueue&);
+inline constexpr const char* MakeSoundControlName = "ostrelMakeSoundControl";
 
 } // namespace Ostrel

@@ -160,7 +160,7 @@ private:
         setText(XCB_ATOM_WM_CLASS, {ItemClass, sizeof ItemClass});
     }
 
-    /// Trays that size their items by what these ask for would make it a line else.
+    /// Some trays size their items by these hints; without them the item would be one pixel wide.
     void setSizeHints() {
         // Flags, then the smallest size at 5 and 6, the base size at 15 and 16.
         std::array<std::uint32_t, 18> hints{};

@@ -1,11 +1,16 @@
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Geometry.h"
 #include "OstrelPlatform/AudioSpectrum.h"
+#include "OstrelPlatform/NetworkProbe.h"
+#include "OstrelPlatform/SoundControl.h"
 #include "Support/FakeFullHost.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <optional>
 #include <span>
 
 namespace Ostrel {
@@ -114,6 +119,81 @@ TEST(FullInputText, promptsWithOptionsBehindACommandAndGoesOn) {
     input.executeCommand("ExecuteBatch 3-2");
     input.executeCommand("no such command");
     EXPECT_EQ(skin.lines, Lines{});
+}
+
+namespace {
+
+/// Notes what it is asked.
+class NotedSound final : public SoundControl {
+public:
+    State now{true, "Speakers", 40, false};
+    Lines asked;
+
+    const State& state() override { return now; }
+    void setVolume(double volume) override { asked.push_back("volume " + formatGeneral(volume)); }
+    void toggleMute() override { asked.push_back("mute"); }
+    void chooseNext(int steps) override { asked.push_back("next " + formatInteger(steps)); }
+    void choose(int number) override { asked.push_back("choose " + formatInteger(number)); }
+};
+
+/// Answers when the test says so.
+class HeldProbe final : public NetworkProbe {
+public:
+    std::vector<std::function<void(std::optional<double>)>> waiting;
+
+    void ping(const std::string&, double, std::function<void(std::optional<double>)> done) override {
+        waiting.push_back(std::move(done));
+    }
+};
+
+} // namespace
+
+TEST(FullSound, namesTheOutputAndPassesCommandsOn) {
+    FakeFullHost skin;
+    auto& device = skin.addUpdated("W", "Plugin:Win7AudioPlugin");
+    EXPECT_EQ(device.value().stringValue, "ERROR - Getting Default Device");
+    NotedSound sound;
+    skin.fake.platform.soundControl = &sound;
+    device.update();
+    EXPECT_EQ(device.value().stringValue, "Speakers");
+    EXPECT_EQ(device.value().numericValue, 40);
+    sound.now.isMuted = true;
+    device.update();
+    EXPECT_EQ(device.value().numericValue, -1);
+    for (const auto* command : {"SetVolume 250", "changevolume -50", "ToggleMute", "ToggleNext", "TogglePrevious",
+             "SetOutputIndex 2", "SetVolume loud", "What"})
+        device.executeCommand(command);
+    auto& key = skin.add("K", "MediaKey");
+    for (const auto* command : {"VolumeUp", "VolumeDown", "VolumeMute", "NextTrack", "VolumeX"})
+        key.executeCommand(command);
+    EXPECT_EQ(sound.asked,
+        (Lines{"volume 100", "volume 0", "mute", "next 1", "next -1", "choose 2", "volume 0", "volume 42", "volume 38",
+            "mute"}));
+}
+
+TEST(FullPing, asksAtItsRateAndShowsAnswers) {
+    FakeFullHost skin;
+    HeldProbe probe;
+    skin.fake.platform.networkProbe = &probe;
+    auto& ping = skin.add("P", "Plugin:PingPlugin.dll",
+        {{"DestAddress", "lab.example"}, {"UpdateRate", "3"}, {"TimeoutValue", "999"},
+            {"FinishAction", "[!Log done]"}});
+    for (int i = 0; i < 7; ++i)
+        ping.update();
+    EXPECT_EQ(probe.waiting.size(), 1U) << "one question at a time";
+    probe.waiting[0](12.5);
+    EXPECT_EQ(skin.lines, (Lines{"allow lab.example", "arrived P", "run [!Log done]"}));
+    ping.update();
+    EXPECT_EQ(ping.value().numericValue, 12.5);
+    for (int i = 0; i < 3; ++i)
+        ping.update();
+    ASSERT_EQ(probe.waiting.size(), 2U);
+    probe.waiting[1](std::nullopt);
+    ping.update();
+    EXPECT_EQ(ping.value().numericValue, 999);
+    skin.allowsAll = false;
+    skin.addUpdated("N", "Plugin:PingPlugin", {{"DestAddress", "10.0.0.1"}});
+    EXPECT_EQ(probe.waiting.size(), 2U);
 }
 
 } // namespace Ostrel

