@@ -294,11 +294,14 @@ void FullSkin::updateMeter(std::size_t position, Cause cause) {
     }
     const bool isRead = entry.optionsRevision != meter.optionsRevision();
     readMeterState(position);
-    meters_.holdValues(position, measures_);
-    const Size before = meter.boxSize();
-    meter.update(entry.held);
-    if (isRead || meter.boxSize() != before)
-        layout_.meterDidChange(position);
+    const bool isOther = meters_.holdValues(position, measures_) || entry.updatedRevision != meter.optionsRevision();
+    if (isOther || meter.needsEveryUpdate()) {
+        entry.updatedRevision = meter.optionsRevision();
+        const Size before = meter.boxSize();
+        meter.update(entry.held);
+        if (isRead || meter.boxSize() != before)
+            layout_.meterDidChange(position);
+    }
     if (!entry.onUpdateAction.empty())
         actions_.run(std::string(entry.onUpdateAction), {section.name()});
 }

@@ -35,6 +35,8 @@ public:
     /// One update of the meter, timed or by bang: options, values, one sample for a graph. Values are in binding order
     /// and have a place for each number, empty where nothing is bound.
     void update(MeasureValues values);
+    /// False: an update with the options and values of the one before changes nothing and may be left out.
+    virtual bool needsEveryUpdate() const { return true; }
 
     /// The whole box with padding, as of the last update: written sizes, else those of the content. Whole pixels.
     Size boxSize() const { return box_; }
