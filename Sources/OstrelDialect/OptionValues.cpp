@@ -108,16 +108,7 @@ double movedOffHalf(double number, int decimals) {
 
 bool isInParentheses(std::string_view text) {
     text = trimmedBlanks(text);
-    if (text.size() < 2 || text.front() != '(' || text.back() != ')')
-        return false;
-    std::size_t depth = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '(')
-            ++depth;
-        else if (text[i] == ')' && --depth == 0)
-            return i + 1 == text.size();
-    }
-    return false;
+    return text.size() >= 2 && text.front() == '(' && text.back() == ')';
 }
 
 std::optional<double> number(std::string_view text) {

@@ -14,7 +14,9 @@ namespace Ostrel::OptionValues {
 /// Red, green, blue, opacity, each 0 to 255.
 using ColorBytes = std::array<std::uint8_t, 4>;
 
-/// Whether the trimmed text is one pair of parentheses with all else inside: only then is an option's text a formula.
+/// Whether the trimmed text begins with "(" and ends with ")": only then is an option's text a formula. Skins also
+/// write
+/// `(a)+(b)`.
 bool isInParentheses(std::string_view text);
 /// A decimal number without exponent, or a formula wholly in parentheses; what follows a blank and ";" is ignored.
 /// Absent when it is neither, or the formula has no value.

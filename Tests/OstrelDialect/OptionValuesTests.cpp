@@ -22,7 +22,7 @@ TEST(OptionValues, readsNumbersAndFormulasInParentheses) {
              {"+3", 3},
              {"(1+2)*2", {}},
              {"((1+2)*2)", 6},
-             {"(1)+(2)", {}},
+             {"(1)+(2)", 3},
              {"1+2", {}},
              {"10 ; wide", 10},
              {"(2*3) ;x", 6},
