@@ -132,12 +132,12 @@ TEST(FullSkinTests, runsTheActionsOfAMeasureInOrder) {
 }
 
 TEST(FullSkinTests, readsOptionsAgain) {
-    RunningFullSkin skin(std::string("[Variables]\nV=one\n") + Count
+    RunningFullSkin skin(std::string("[Variables]\nV=one\nWhich=Base\nWhose=#Which# of #CURRENTSECTION#\n") + Count
         + "[Base]\nTip=base #CURRENTSECTION#\nTitle=of base\n[Strong]\nTip=strong #V#\n"
           "[Static]\nMeter=Box\nText=#V# [C]\nMeterStyle=Base | Strong\n"
           "[Live]\nMeter=Box\nText=#V# [C] [&C:2] [Nobody] [C:/4,1]\nDynamicVariables=1\nMeterStyle=#Which#\n"
           "LeftMouseUpAction=[!Log \"#V# [#V] [C]\"]\n"
-          "[Heir]\nMeter=Box\nMeterStyle=Static\nText=own\n[Variables]\nWhich=Base\n");
+          "[Heir]\nMeter=Box\nMeterStyle=Static\nText=#Whose#\n[Again]\nMeter=Box\nText=[C] #V#\n");
     skin.skin->start();
     EXPECT_EQ(skin.option("Static", "Text"), "one [C]");
     EXPECT_EQ(skin.option("Static", "Tip"), "strong one");
@@ -146,6 +146,7 @@ TEST(FullSkinTests, readsOptionsAgain) {
     EXPECT_EQ(skin.option("Live", "LeftMouseUpAction"), "[!Log \"one [#V] [C]\"]");
     // A meter as a style gives its own options and none that it inherits.
     EXPECT_EQ(skin.option("Heir", "Tip"), "(none)");
+    EXPECT_EQ(skin.option("Heir", "Text"), "Base of Heir");
 
     skin.run("[!SetVariable V two]");
     EXPECT_EQ(skin.option("Live", "Text"), "one 1 1.00 [Nobody] 0.3");
@@ -174,6 +175,11 @@ TEST(FullSkinTests, readsOptionsAgain) {
     EXPECT_EQ(skin.option("Static", "Tip"), "base Static");
     EXPECT_EQ(skin.option("Live", "Title"), "(none)");
     EXPECT_EQ(skin.option("Live", "Tip"), "strong three");
+
+    // Set to what the file says already, and yet set.
+    skin.run("[!SetOption Again Text \"[*C*] #*V*#\"]");
+    skin.tick();
+    EXPECT_EQ(skin.option("Again", "Text"), "7 three");
 }
 
 TEST(FullSkinTests, keepsWhatOthersSayAsText) {
@@ -250,7 +256,7 @@ TEST(FullSkinTests, knowsWhereItStands) {
                          "#WORKAREAHEIGHT@2# #CURRENTSECTION#\n");
     skin.skin->start();
     skin.tick();
-    EXPECT_EQ(skin.option("M", "Text"), "Pack\\Test Pack 100 30 1920 #WORKAREAHEIGHT@2# M");
+    EXPECT_EQ(skin.option("M", "Text"), "Pack\\Test Pack 100 30 1920 1080 M");
     skin.host.where.x = -40;
     skin.host.where.screens.push_back({{-800, 0, 800, 600}, {-800, 0, 800, 570}});
     skin.skin->placeDidChange();
