@@ -36,6 +36,7 @@ private:
 
 /// `!Update` within the actions of an update.
 constexpr int MaxCycleDepth = 16;
+constexpr int MaxUpdateDepth = 16;
 constexpr double ShortestUpdate = 16;
 constexpr double DefaultUpdate = 1000;
 
@@ -222,7 +223,6 @@ void FullSkin::runCycle() {
     }
     ++cycleDepth_;
     ++tickCount_;
-    ++cycleCount_;
     for (std::size_t i = 0; i < measures_.count(); ++i)
         updateMeasure(i, Cause::Cycle);
     for (std::size_t i = 0; i < meters_.count(); ++i)
@@ -233,6 +233,8 @@ void FullSkin::runCycle() {
         fitWindow();
     publish();
     runSkinAction("OnUpdateAction"_key);
+    // The first cycle sees 0.
+    ++cycleCount_;
     --cycleDepth_;
 }
 
@@ -253,8 +255,14 @@ void FullSkin::updateMeasure(std::size_t position, Cause cause) {
             measure.readAsZero();
         return;
     }
+    if (updateDepth_ >= MaxUpdateDepth) {
+        log(LogLevel::Error, measure.name(), "!UpdateMeasure runs itself without end");
+        return;
+    }
+    ++updateDepth_;
     measure.update();
     entry.actions.run(measure, *this);
+    --updateDepth_;
 }
 
 void FullSkin::readMeasureState(std::size_t position) {

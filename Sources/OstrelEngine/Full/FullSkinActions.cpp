@@ -112,6 +112,9 @@ void FullSkin::switchMeasures(const SectionChoice& measures, Switch enabled) {
     for (const auto position : chosenMeasures(measures)) {
         auto& entry = measures_.entry(position);
         setDisabled(entry, !switched(enabled, !entry.isDisabled));
+        // A number falls at the next cycle; what shows 0 anyway, as a timer does, stops at once.
+        if (auto& measure = measures_.at(position); entry.isDisabled && measure.value().numericValue == 0)
+            measure.readAsZero();
     }
 }
 
