@@ -30,7 +30,9 @@ OstrelGUIApp::OstrelGUIApp(const Platform& platform, DesktopPanels& desktop, Use
     : platform_(platform)
     , defaults_(defaults)
     , placement_(primaryScreenSize)
-    , widgetManager_(platform, desktop)
+    , chosenPacks_(defaults)
+    , fullWidgets_(chosenPacks_)
+    , widgetManager_(platform, desktop, &fullWidgets_)
     , sessionController_(widgetManager_, defaults, platform)
     , library_(sessionController_, widgetManager_)
     , window_(WindowProcess::installedProgram(), library_, defaults, platform.mainQueue)
@@ -46,10 +48,28 @@ OstrelGUIApp::OstrelGUIApp(const Platform& platform, DesktopPanels& desktop, Use
     window_.onSettingChange = [this](const std::string& key) {
         if (key == SharedSettings::targetMediaPlayer)
             syncOverride();
+        // A pack may run in another dialect from now on, or may do more or less.
+        if (key == PackChoices::ChoicesKey || key == PackChoices::NewPacksKey)
+            widgetManager_.refreshAll();
     };
 }
 
 OstrelGUIApp::~OstrelGUIApp() = default;
+
+bool ChosenPacks::isAllowed(const std::string& root, Permission permission) const {
+    const auto allowed = choices_.of(root).permissions.value_or(PackPermissions());
+    switch (permission) {
+    case Permission::Scripts:
+        return allowed.scripts;
+    case Permission::Web:
+        return allowed.web;
+    case Permission::Programs:
+        return allowed.programs;
+    case Permission::Files:
+        return allowed.files;
+    }
+    return false;
+}
 
 void OstrelGUIApp::connectManager() {
     widgetManager_.chooseOrigin = [this](Size widget) { return placement_.choose(widget, frames()); };

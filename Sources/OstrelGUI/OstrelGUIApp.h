@@ -1,8 +1,10 @@
 #pragma once
 
+#include "OstrelEngine/Host/FullWidgets.h"
 #include "OstrelEngine/Host/WidgetManager.h"
 #include "OstrelGUI/AppDelegate.h"
 #include "OstrelGUI/CrashGuard.h"
+#include "OstrelGUI/PackChoices.h"
 #include "OstrelGUI/Session/OstrelSessionController.h"
 #include "OstrelGUI/Session/SessionWidgetLibrary.h"
 #include "OstrelGUI/WidgetPlacement.h"
@@ -20,6 +22,21 @@ class TrayItem;
 class UserDefaults;
 struct OpenArguments;
 struct Platform;
+
+/// The user's choices for packs as the widgets ask for them.
+class ChosenPacks final : public PackPolicy {
+public:
+    explicit ChosenPacks(UserDefaults& defaults)
+        : choices_(defaults) { }
+
+    bool runsFullDialect(const std::string& skinPath) const override {
+        return choices_.dialectOf(skinPath) == Dialect::Full;
+    }
+    bool isAllowed(const std::string& root, Permission permission) const override;
+
+private:
+    PackChoices choices_;
+};
 
 /// The running application: the widgets, what is remembered of them, and the main window in its process.
 class OstrelGUIApp {
@@ -55,6 +72,8 @@ private:
     const Platform& platform_;
     UserDefaults& defaults_;
     WidgetPlacement placement_;
+    ChosenPacks chosenPacks_;
+    FullWidgets fullWidgets_;
     WidgetManager widgetManager_;
     OstrelSessionController sessionController_;
     SessionWidgetLibrary library_;

@@ -3,7 +3,10 @@
 #include "OstrelCore/Documents/FileProvider.h"
 #include "OstrelCore/Documents/SkinLoader.h"
 #include "OstrelCore/Files/Paths.h"
+#include "OstrelDialect/PackReader.h"
+#include "OstrelEngine/Full/FullSkin.h"
 #include "OstrelEngine/Host/BackgroundOptions.h"
+#include "OstrelEngine/Host/FullWidgets.h"
 #include "OstrelEngine/Host/PanelPlacement.h"
 #include "OstrelEngine/Host/PreviewPicture.h"
 #include "OstrelEngine/Host/WidgetCanvasView.h"
@@ -50,10 +53,12 @@ struct WidgetController::Window {
     WidgetPanel panel;
 };
 
-WidgetController::WidgetController(SkinConfig config, const Platform& platform, DesktopPanels& desktop)
+WidgetController::WidgetController(
+    SkinConfig config, const Platform& platform, DesktopPanels& desktop, FullWidgets* fullWidgets)
     : config_(std::move(config))
     , platform_(platform)
-    , desktop_(desktop) { }
+    , desktop_(desktop)
+    , fullWidgets_(fullWidgets) { }
 
 WidgetController::~WidgetController() {
     stop(NotifyManager::No);
@@ -89,18 +94,36 @@ void WidgetController::start(std::optional<Point> origin, const std::optional<Wi
     if (skin_)
         return;
     const SkinAtWork work(config_.filePath.c_str());
-    const auto skin = makeSkin(config_, platform_, *this);
+    const auto skin = makeSkinOfItsDialect();
     if (state)
         skin->applyState(*state);
+    if (!origin && fullHost_)
+        origin = fullHost_->firstOrigin();
     if (!origin)
         origin = chooseOrigin ? chooseOrigin(skin->widgetSize()) : DefaultOrigin;
     WidgetPanelClient& client = *this;
     window_ = std::make_unique<Window>(skin, *origin, desktop_, client);
     window_->panel.setSkinPath(config_.filePath);
     window_->panel.setAppearance(platform_.appearance);
+    if (fullHost_)
+        fullHost_->setPanel(&window_->panel);
     skin->start();
     window_->panel.pinToDesktopLayer();
+    if (fullHost_)
+        fullHost_->setPanel(&window_->panel);
     skin_ = skin;
+}
+
+std::shared_ptr<Skin> WidgetController::makeSkinOfItsDialect() {
+    fullHost_.reset();
+    if (fullWidgets_ && fullWidgets_->policy().runsFullDialect(config_.filePath)) {
+        if (auto pack = readPackSkin(config_.filePath)) {
+            SkinHost& host = *this;
+            fullHost_ = std::make_unique<FullWidgetHost>(host, *fullWidgets_, platform_, pack->folders);
+            return fullHost_->makeSkin(std::move(*pack), std::exchange(keptCycles_, 0));
+        }
+    }
+    return makeSkin(config_, platform_, *this);
 }
 
 void WidgetController::skinDidPublish(const std::vector<Drawable>& drawables) {
@@ -150,6 +173,8 @@ void WidgetController::stateDidChange(const WidgetRuntimeState& state) {
 }
 
 void WidgetController::panelDidMove(Point origin) {
+    if (fullHost_)
+        fullHost_->placeDidChange();
     if (skin_ && onWindowMoved)
         onWindowMoved(origin);
 }
@@ -162,6 +187,22 @@ void WidgetController::contextActionChosen(WidgetContextAction action) {
         else
             stop();
     });
+}
+
+std::vector<PanelMenuItem> WidgetController::ownMenuItems() {
+    std::vector<PanelMenuItem> items;
+    if (!fullHost_)
+        return items;
+    for (const auto& item : fullHost_->menuItems()) {
+        // The action may end the skin and with it the menu that is still at work.
+        items.push_back({item.title, [this, action = item.action] {
+                             post([this, action] {
+                                 if (fullHost_)
+                                     fullHost_->runMenuAction(action);
+                             });
+                         }});
+    }
+    return items;
 }
 
 bool WidgetController::isCommandScrollReversed() const {
@@ -184,6 +225,8 @@ void WidgetController::stop(NotifyManager notify) {
     if (skin_)
         skin_->stop();
     const auto skin = std::exchange(skin_, nullptr);
+    if (fullHost_)
+        fullHost_->setPanel(nullptr);
     window_.reset();
     if (notify == NotifyManager::Yes && onStop)
         onStop(*this);
@@ -193,6 +236,8 @@ void WidgetController::reload() {
     const auto path = config_.filePath;
     const SkinAtWork work(path.c_str());
     const auto origin = windowOrigin();
+    if (fullHost_)
+        keptCycles_ = fullHost_->cycles();
     stop(NotifyManager::No);
     DiskFileProvider files;
     DiagnosticCollector diagnostics;

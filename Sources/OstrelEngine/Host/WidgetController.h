@@ -6,14 +6,18 @@
 #include "OstrelEngine/Runtime/SkinHost.h"
 #include "OstrelEngine/Runtime/WidgetRuntimeState.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Ostrel {
 
 class DesktopPanels;
+class FullWidgetHost;
+class FullWidgets;
 class Skin;
 struct Platform;
 
@@ -24,8 +28,9 @@ public:
     /// Where a widget opens that nobody has placed.
     static constexpr Point DefaultOrigin{100, 100};
 
-    /// The platform and the desktop outlive the controller.
-    WidgetController(SkinConfig config, const Platform& platform, DesktopPanels& desktop);
+    /// All outlive the controller. Without `fullWidgets` every skin runs in the base dialect.
+    WidgetController(
+        SkinConfig config, const Platform& platform, DesktopPanels& desktop, FullWidgets* fullWidgets = nullptr);
     ~WidgetController() override;
     WidgetController(const WidgetController&) = delete;
     WidgetController& operator=(const WidgetController&) = delete;
@@ -75,6 +80,7 @@ private:
     enum class NotifyManager { No, Yes };
 
     void stop(NotifyManager notify);
+    std::shared_ptr<Skin> makeSkinOfItsDialect();
 
     // SkinHost. A skin asks in the middle of its own work, and most of what it asks for is its end: that is done later,
     // from the main queue.
@@ -89,6 +95,7 @@ private:
     // WidgetPanelClient
     void panelDidMove(Point origin) override;
     void contextActionChosen(WidgetContextAction action) override;
+    std::vector<PanelMenuItem> ownMenuItems() override;
     bool isCommandScrollReversed() const override;
 
     /// Runs the work from the main queue, unless the controller is gone by then.
@@ -98,6 +105,11 @@ private:
     SkinConfig config_;
     const Platform& platform_;
     DesktopPanels& desktop_;
+    FullWidgets* fullWidgets_;
+    /// Null for a skin of the base dialect. It outlives the skin.
+    std::unique_ptr<FullWidgetHost> fullHost_;
+    /// What the counter of a skin of the full dialect stood at when it was loaded again.
+    std::int64_t keptCycles_ = 0;
     /// From the first publication on, which comes before the start is over.
     std::unique_ptr<Window> window_;
     /// Null until it has started: a skin whose first tick asks for a stop or a refresh is not running yet.

@@ -19,9 +19,10 @@ std::string keyOfConfig(const std::string& path) {
 
 } // namespace
 
-WidgetManager::WidgetManager(const Platform& platform, DesktopPanels& desktop)
+WidgetManager::WidgetManager(const Platform& platform, DesktopPanels& desktop, FullWidgets* fullWidgets)
     : platform_(platform)
-    , desktop_(desktop) { }
+    , desktop_(desktop)
+    , fullWidgets_(fullWidgets) { }
 
 WidgetManager::~WidgetManager() = default;
 
@@ -30,7 +31,7 @@ void WidgetManager::launch(
     const auto key = standardizedPath(config.filePath);
     config.filePath = key;
     stop(key);
-    const auto controller = std::make_shared<WidgetController>(std::move(config), platform_, desktop_);
+    const auto controller = std::make_shared<WidgetController>(std::move(config), platform_, desktop_, fullWidgets_);
     connect(controller);
     controller->start(origin, initialState);
     activeWidgets_[key] = controller;

@@ -13,6 +13,7 @@
 namespace Ostrel {
 
 class DesktopPanels;
+class FullWidgets;
 class WidgetController;
 struct Platform;
 
@@ -20,8 +21,8 @@ struct Platform;
 /// are standardized first. Main thread.
 class WidgetManager {
 public:
-    /// Both outlive the manager.
-    WidgetManager(const Platform& platform, DesktopPanels& desktop);
+    /// All outlive the manager. Without `fullWidgets` every skin runs in the base dialect.
+    WidgetManager(const Platform& platform, DesktopPanels& desktop, FullWidgets* fullWidgets = nullptr);
     ~WidgetManager();
     WidgetManager(const WidgetManager&) = delete;
     WidgetManager& operator=(const WidgetManager&) = delete;
@@ -53,6 +54,7 @@ private:
 
     const Platform& platform_;
     DesktopPanels& desktop_;
+    FullWidgets* fullWidgets_;
     Widgets activeWidgets_;
     /// Expires with the manager: a controller may be held longer by others.
     std::shared_ptr<void> life_ = std::make_shared<int>();

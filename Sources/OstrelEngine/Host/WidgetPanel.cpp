@@ -140,6 +140,11 @@ void WidgetPanel::place(Point origin) {
     lastOrigin_ = this->origin();
 }
 
+void WidgetPanel::moveTo(Point origin) {
+    place(origin);
+    client_.panelDidMove(this->origin());
+}
+
 void WidgetPanel::followScreens() {
     const auto follow
         = [this](const QScreen* screen) { connect(screen, &QScreen::geometryChanged, this, [this] { keepInView(); }); };
@@ -303,15 +308,26 @@ void WidgetPanel::showField(const std::optional<InputTextPresentation>& presenta
 }
 
 void WidgetPanel::showContextMenu(const QPoint& at) {
+    openMenu(at, false);
+}
+
+void WidgetPanel::openMenu(const QPoint& at, bool onlyOwnItems) {
     const auto choose
         = [this](WidgetContextAction action) { return [this, action] { client_.contextActionChosen(action); }; };
-    menu_.reset(new ContextMenu(
-        {
-            {QStringLiteral("Freeze Widget"), !movableByBackground_, choose(WidgetContextAction::toggleFreeze)},
-            {},
-            {QStringLiteral("Unrender Widget"), false, choose(WidgetContextAction::unrender)},
-        },
-        DesktopLook::of(appearance_)));
+    std::vector<ContextMenu::Item> items;
+    for (auto& own : client_.ownMenuItems())
+        items.push_back({QString::fromStdString(own.title), false, std::move(own.action)});
+    if (onlyOwnItems && items.empty())
+        return;
+    if (!onlyOwnItems) {
+        if (!items.empty())
+            items.emplace_back();
+        items.push_back(
+            {QStringLiteral("Freeze Widget"), !movableByBackground_, choose(WidgetContextAction::toggleFreeze)});
+        items.emplace_back();
+        items.push_back({QStringLiteral("Unrender Widget"), false, choose(WidgetContextAction::unrender)});
+    }
+    menu_.reset(new ContextMenu(std::move(items), DesktopLook::of(appearance_)));
     menu_->onClosed = [this] {
         menu_.reset();
         if (!geometry().contains(QCursor::pos()))

@@ -8,8 +8,11 @@
 
 #include <QWindow>
 
+#include <functional>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace Ostrel {
 
@@ -17,6 +20,12 @@ class DesktopAppearance;
 class DesktopPanels;
 class WidgetCanvasView;
 struct InputTextPresentation;
+
+/// An item that a skin adds to its widget's menu. Without a title it is a line between items.
+struct PanelMenuItem {
+    std::string title;
+    std::function<void()> action;
+};
 
 /// Whom a panel tells what the user does to it as a whole.
 class WidgetPanelClient {
@@ -26,6 +35,8 @@ public:
     virtual void panelDidMove(Point origin) = 0;
     /// A choice of the context menu, which is still at work.
     virtual void contextActionChosen(WidgetContextAction action) = 0;
+    /// The skin's own items of the menu that is about to open.
+    virtual std::vector<PanelMenuItem> ownMenuItems() { return {}; }
     /// Whether command-scrolling up means down.
     virtual bool isCommandScrollReversed() const = 0;
 };
@@ -51,6 +62,11 @@ public:
 
     bool isMovableByBackground() const { return movableByBackground_; }
     void setMovableByBackground(bool movable);
+
+    /// As if the user had dragged it there; kept in view.
+    void moveTo(Point origin);
+    /// The widget's menu at a point of the screen, or only the skin's own items of it.
+    void openMenu(const QPoint& at, bool onlyOwnItems);
 
     /// Shows the panel behind all others.
     void pinToDesktopLayer();
