@@ -34,24 +34,43 @@ std::string_view withoutComment(std::string_view text) {
     return text;
 }
 
-std::optional<double> trimmedNumber(std::string_view text) {
-    if (text.empty())
-        return std::nullopt;
-    if (text.front() == '(') {
-        if (!isInParentheses(text))
-            return std::nullopt;
-        const auto formula = Formula::compile(text);
-        return formula ? formula->evaluate() : std::nullopt;
+/// The length of the pair of parentheses that the text begins with, absent when it is not closed.
+std::optional<std::size_t> parenthesesLength(std::string_view text) {
+    std::size_t depth = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '(')
+            ++depth;
+        else if (text[i] == ')' && --depth == 0)
+            return i + 1;
     }
-    const bool isNegative = text.front() == '-';
-    if (isNegative || text.front() == '+')
+    return std::nullopt;
+}
+
+struct LeadingNumber {
+    double value = 0;
+    std::string_view rest;
+};
+
+std::optional<LeadingNumber> leadingNumber(std::string_view text) {
+    if (text.starts_with('(')) {
+        const auto length = parenthesesLength(text);
+        const auto formula = length ? Formula::compile(text.substr(0, *length)) : std::nullopt;
+        const auto value = formula ? formula->evaluate() : std::nullopt;
+        return value ? std::optional(LeadingNumber{*value, text.substr(*length)}) : std::nullopt;
+    }
+    const bool isNegative = text.starts_with('-');
+    if (isNegative || text.starts_with('+'))
         text.remove_prefix(1);
-    if (text.find_first_not_of("0123456789.") != std::string_view::npos)
+    const auto found = parseNumberPrefix(text.substr(0, text.find_first_not_of("0123456789.")));
+    if (found.length == 0 || !std::isfinite(found.value))
         return std::nullopt;
-    const auto found = parseNumberPrefix(text);
-    if (found.length == 0 || found.length != text.size() || !std::isfinite(found.value))
-        return std::nullopt;
-    return isNegative ? -found.value : found.value;
+    return LeadingNumber{isNegative ? -found.value : found.value, text.substr(found.length)};
+}
+
+/// Whatever stands behind the number is a note.
+std::optional<double> trimmedNumber(std::string_view text) {
+    const auto leading = leadingNumber(text);
+    return leading ? std::optional(leading->value) : std::nullopt;
 }
 
 int hexadecimalDigit(char c) {
@@ -108,20 +127,16 @@ double movedOffHalf(double number, int decimals) {
 
 bool isInParentheses(std::string_view text) {
     text = trimmedBlanks(text);
-    if (text.size() < 2 || text.front() != '(' || text.back() != ')')
-        return false;
-    std::size_t depth = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '(')
-            ++depth;
-        else if (text[i] == ')' && --depth == 0)
-            return i + 1 == text.size();
-    }
-    return false;
+    return text.starts_with('(') && parenthesesLength(text) == text.size();
 }
 
 std::optional<double> number(std::string_view text) {
-    return trimmedNumber(trimmedBlanks(withoutComment(text)));
+    return trimmedNumber(trimmedBlanks(text));
+}
+
+std::optional<double> numberAlone(std::string_view text) {
+    const auto leading = leadingNumber(trimmedBlanks(withoutComment(text)));
+    return leading && leading->rest.empty() ? std::optional(leading->value) : std::nullopt;
 }
 
 std::optional<int> integer(std::string_view text) {
