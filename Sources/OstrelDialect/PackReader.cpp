@@ -5,6 +5,7 @@
 #include "OstrelCore/Documents/SectionClassifier.h"
 #include "OstrelCore/Files/Paths.h"
 #include "OstrelCore/Text/Text.h"
+#include "OstrelDialect/LiteralMarks.h"
 
 #include <cstdlib>
 #include <list>
@@ -187,11 +188,18 @@ private:
 
     /// `B=#A#` is read once, here; `B=[#A]` is read where it is used, and so is the name of the section.
     void resolveVariables(Options& variables) {
+        constexpr std::string_view UserSection = "#CURRENTSECTION#";
         const Options written = variables;
         const PackVariables scope(written, folders_);
         for (const auto& [name, value, hash] : written) {
-            if (value.find_first_of("#%") != std::string::npos)
-                variables.set(name, resolveReferences(value, scope, "#CURRENTSECTION#", ReferenceKinds::Signs));
+            if (value.find_first_of("#%") == std::string::npos)
+                continue;
+            auto text = resolveReferences(value, scope, UserSection, ReferenceKinds::Signs);
+            // The resolver marks a section's name as data; here it stands for a reference that is still to come.
+            const auto mark = LiteralMarks::marked(UserSection);
+            for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark, at + UserSection.size()))
+                text.replace(at, mark.size(), UserSection);
+            variables.set(name, std::move(text));
         }
     }
 

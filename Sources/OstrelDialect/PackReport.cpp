@@ -51,7 +51,7 @@ bool isActionKey(std::string_view key) {
 
 void sortUnique(std::vector<std::string>& items) {
     std::ranges::sort(items);
-    items.erase(std::ranges::unique(items).begin(), items.end());
+    items.erase(std::unique(items.begin(), items.end()), items.end());
 }
 
 bool isAddress(std::string_view text) {

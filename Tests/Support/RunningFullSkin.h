@@ -14,7 +14,7 @@
 namespace Ostrel {
 
 /// Writes down what a skin of the full dialect asks of its host.
-class RecordingFullHost final : public FullSkinHost {
+class RecordingFullHost : public FullSkinHost {
 public:
     int published = 0;
     std::vector<std::string> shown;

@@ -159,6 +159,8 @@ std::string MeterPointer::resolveMeterCoordinateReferences(std::string_view text
 }
 
 bool MeterPointer::scrollWheel(const ScrollEvent& event) {
+    if (event.isSideways)
+        return false;
     if (event.isCommandHeld) {
         commandScroll(event);
         return true;

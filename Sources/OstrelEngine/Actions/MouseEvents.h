@@ -25,8 +25,6 @@ struct ScrollEvent {
     Point point;
     /// Above 0 is up, or left.
     double delta = 0;
-    /// Of a wheel that is tilted.
-    bool isSideways = false;
     /// From a touch surface rather than a notched wheel.
     bool isPrecise = false;
     ScrollPhase phase = ScrollPhase::none;
@@ -37,6 +35,8 @@ struct ScrollEvent {
     bool isCommandReversed = false;
     /// When it happened.
     double uptimeSeconds = 0;
+    /// Of a wheel that is tilted.
+    bool isSideways = false;
 };
 
 enum class WidgetCommandScrollDirection { up, down };

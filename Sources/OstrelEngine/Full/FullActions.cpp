@@ -289,9 +289,6 @@ bool FullActions::playSound(const ActionTextStep& step, const ActionOrigin& orig
 }
 
 bool FullActions::open(const ActionTextStep& step, const ActionOrigin& origin) {
-    auto* const workspace = host_.platform().workspace;
-    if (!workspace)
-        return false;
     std::vector<std::string> arguments;
     for (const auto& argument : step.arguments)
         arguments.push_back(LiteralMarks::dropped(resolved(argument.text, origin)));
@@ -300,8 +297,9 @@ bool FullActions::open(const ActionTextStep& step, const ActionOrigin& origin) {
     auto target = value ? *value : LiteralMarks::dropped(resolved(step.name, origin));
     if (target.empty())
         return false;
+    auto* const workspace = host_.platform().workspace;
     if (isAddress(target))
-        return workspace->openURL(target);
+        return workspace && workspace->openURL(target);
     if (!arguments.empty() && !step.text.starts_with('"') && !exists(host_.folders().absolutePath(target))) {
         // A path with blanks that nobody quoted.
         auto whole = LiteralMarks::dropped(resolved(step.text, origin));
@@ -314,6 +312,8 @@ bool FullActions::open(const ActionTextStep& step, const ActionOrigin& origin) {
         host_.log(LogLevel::Warning, origin.section, "This program does not run here: " + target);
         return true;
     }
+    if (!workspace)
+        return false;
     const auto program = programPath(target);
     if (arguments.empty() && !isProgram(program))
         return workspace->openFile(program);

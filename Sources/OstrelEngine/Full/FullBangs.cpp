@@ -104,7 +104,7 @@ void writeKeyValue(ActionHost& host, const BangArguments& arguments) {
     const auto tell = [&](std::string_view why) {
         host.log(LogLevel::Warning, arguments.section(), "!WriteKeyValue: " + path + std::string(why));
     };
-    switch (KeyFileWriter::write(folders, path, arguments.text(0), arguments.text(1), arguments.computed(2))) {
+    switch (KeyFileWriter::write(folders, path, arguments.text(0), arguments.text(1), arguments.text(2))) {
     case Outcome::Written:
         return;
     case Outcome::Outside:

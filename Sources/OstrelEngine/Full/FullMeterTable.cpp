@@ -63,8 +63,9 @@ void FullMeterTable::bind(std::size_t position, const FullMeasureTable& measures
     entry.heldRevisions.assign(entry.bindings.size(), ~std::uint64_t(0));
 }
 
-void FullMeterTable::holdValues(std::size_t position, const FullMeasureTable& measures) {
+bool FullMeterTable::holdValues(std::size_t position, const FullMeasureTable& measures) {
     auto& entry = entries_[position];
+    bool hasChanged = false;
     for (std::size_t i = 0; i < entry.bindings.size(); ++i) {
         if (!entry.bindings[i])
             continue;
@@ -73,7 +74,9 @@ void FullMeterTable::holdValues(std::size_t position, const FullMeasureTable& me
             continue;
         entry.heldRevisions[i] = measure.valueRevision();
         entry.held[i] = measure.value();
+        hasChanged = true;
     }
+    return hasChanged;
 }
 
 } // namespace Ostrel

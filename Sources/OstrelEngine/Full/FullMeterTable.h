@@ -28,6 +28,8 @@ struct FullMeterEntry {
     /// What the last update took, and what the measures were at.
     std::vector<MeasureValue> held;
     std::vector<std::uint64_t> heldRevisions;
+    /// The options that the last update took; absent before the first.
+    std::optional<std::uint64_t> updatedRevision;
 
     /// The options were read at this revision; absent before the first time.
     std::optional<std::uint64_t> optionsRevision;
@@ -48,8 +50,8 @@ public:
 
     /// Reads the names of measures from the meter's options.
     void bind(std::size_t position, const FullMeasureTable& measures);
-    /// Takes over the present values; allocates only for what changed.
-    void holdValues(std::size_t position, const FullMeasureTable& measures);
+    /// Takes over the present values; true when one has changed.
+    bool holdValues(std::size_t position, const FullMeasureTable& measures);
 
 private:
     std::vector<FullMeterEntry> entries_;

@@ -36,6 +36,7 @@ private:
 
 /// `!Update` within the actions of an update.
 constexpr int MaxCycleDepth = 16;
+constexpr int MaxUpdateDepth = 16;
 constexpr double ShortestUpdate = 16;
 constexpr double DefaultUpdate = 1000;
 
@@ -105,8 +106,10 @@ FullSkin::FullSkin(PackSkin skin, const Platform& platform, FullSkinHost& host, 
     mouseActions_.setOwnerCount(meters_.count() + 1);
     for (std::size_t i = 0; i < measures_.count(); ++i)
         readMeasureState(i);
-    for (std::size_t i = 0; i < meters_.count(); ++i)
+    for (std::size_t i = 0; i < meters_.count(); ++i) {
+        meters_.entry(i).meter->takeWrittenSize();
         readMeterState(i);
+    }
 }
 
 FullSkin::~FullSkin() = default;
@@ -220,7 +223,6 @@ void FullSkin::runCycle() {
     }
     ++cycleDepth_;
     ++tickCount_;
-    ++cycleCount_;
     for (std::size_t i = 0; i < measures_.count(); ++i)
         updateMeasure(i, Cause::Cycle);
     for (std::size_t i = 0; i < meters_.count(); ++i)
@@ -231,6 +233,8 @@ void FullSkin::runCycle() {
         fitWindow();
     publish();
     runSkinAction("OnUpdateAction"_key);
+    // The first cycle sees 0.
+    ++cycleCount_;
     --cycleDepth_;
 }
 
@@ -251,8 +255,14 @@ void FullSkin::updateMeasure(std::size_t position, Cause cause) {
             measure.readAsZero();
         return;
     }
+    if (updateDepth_ >= MaxUpdateDepth) {
+        log(LogLevel::Error, measure.name(), "!UpdateMeasure runs itself without end");
+        return;
+    }
+    ++updateDepth_;
     measure.update();
     entry.actions.run(measure, *this);
+    --updateDepth_;
 }
 
 void FullSkin::readMeasureState(std::size_t position) {
@@ -292,13 +302,16 @@ void FullSkin::updateMeter(std::size_t position, Cause cause) {
         ItemTarget target(meter);
         section.read(scope_, sections_, target);
     }
-    const bool isRead = entry.optionsRevision != meter.optionsRevision();
     readMeterState(position);
-    meters_.holdValues(position, measures_);
-    const Size before = meter.boxSize();
-    meter.update(entry.held);
-    if (isRead || meter.boxSize() != before)
-        layout_.meterDidChange(position);
+    const bool isRead = entry.updatedRevision != meter.optionsRevision();
+    const bool isOther = meters_.holdValues(position, measures_) || isRead;
+    if (isOther || meter.needsEveryUpdate()) {
+        entry.updatedRevision = meter.optionsRevision();
+        const Size before = meter.boxSize();
+        meter.update(entry.held);
+        if (isRead || meter.boxSize() != before)
+            layout_.meterDidChange(position);
+    }
     if (!entry.onUpdateAction.empty())
         actions_.run(std::string(entry.onUpdateAction), {section.name()});
 }
@@ -361,7 +374,9 @@ void FullSkin::publish() {
 }
 
 void FullSkin::redraw() {
-    if (isWindowDynamic_)
+    // Within the first update the meters behind have no size yet; its end fits the window.
+    const bool isDue = !hasWindowSize_ && cycleDepth_ == 0;
+    if (isDue || isWindowDynamic_)
         fitWindow();
     publish();
 }

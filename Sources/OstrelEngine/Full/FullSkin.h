@@ -185,6 +185,7 @@ private:
     int tickCount_ = 0;
     std::int64_t cycleCount_ = 0;
     int cycleDepth_ = 0;
+    int updateDepth_ = 0;
     bool isRunning_ = false;
     bool areScriptsLoaded_ = false;
 };

@@ -88,8 +88,12 @@ void FullSkin::switchMeters(const SectionChoice& meters, Switch shown) {
 }
 
 void FullSkin::moveMeter(std::string_view meter, double x, double y) {
-    if (const auto position = meters_.position(meter))
-        layout_.move(*position, x, y);
+    const auto position = meters_.position(meter);
+    if (!position)
+        return;
+    layout_.move(*position, x, y);
+    // The window follows at the next update or redraw, also where it is fitted only once.
+    hasWindowSize_ = false;
 }
 
 void FullSkin::updateMeters(const SectionChoice& meters) {
@@ -108,6 +112,9 @@ void FullSkin::switchMeasures(const SectionChoice& measures, Switch enabled) {
     for (const auto position : chosenMeasures(measures)) {
         auto& entry = measures_.entry(position);
         setDisabled(entry, !switched(enabled, !entry.isDisabled));
+        // A number falls at the next cycle; what shows 0 anyway, as a timer does, stops at once.
+        if (auto& measure = measures_.at(position); entry.isDisabled && measure.value().numericValue == 0)
+            measure.readAsZero();
     }
 }
 

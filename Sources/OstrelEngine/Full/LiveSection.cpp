@@ -57,9 +57,14 @@ void LiveSection::setOption(std::string_view key, std::string_view value) {
         ++revision_;
         return;
     }
+    const bool wasSet = set_.contains(key);
     set_.set(key, true);
-    if (const auto* written = raw_.find(key); written && *written == value)
+    if (const auto* written = raw_.find(key); written && *written == value) {
+        // What is set sees more kinds of references than the same text in the file of a static section.
+        if (!wasSet)
+            compiledRevision_ = 0;
         return;
+    }
     raw_.set(key, std::string(value));
     const bool wasCompiled = std::exchange(compiledRevision_, 0) == revision_;
     ++revision_;

@@ -14,6 +14,8 @@ namespace {
 /// A text that is put into itself again and again stops growing here, and so does the number of names.
 constexpr std::size_t MaxLength = 1U << 20;
 constexpr std::size_t MaxCount = 100000;
+/// The highest number of a screen that a skin may name.
+constexpr std::size_t MostScreens = 32;
 
 constexpr std::array PathVariables{"@", "CURRENTPATH", "CURRENTFILE", "ROOTCONFIGPATH", "ROOTCONFIG", "CURRENTCONFIG",
     "SKINSPATH", "SETTINGSPATH", "ADDONSPATH", "PLUGINSPATH", "PROGRAMPATH", "PROGRAMDRIVE", "CONFIGEDITOR"};
@@ -104,11 +106,13 @@ void SkinVariables::setPlace(const SkinPlace& place, Size window) {
     primary_ = place.primary;
     const auto& primary = screens_[std::min(primary_, screens_.size() - 1)];
     ScreenArea all = primary.whole;
-    for (std::size_t i = 0; i < screens_.size(); ++i) {
+    // The number of a screen that is not there, or not any more, stands for the primary one.
+    for (std::size_t i = 0; i < std::max(MostScreens, screens_.size()); ++i) {
         const auto suffix = "@" + std::to_string(i + 1);
-        setArea("SCREENAREA", suffix, screens_[i].whole);
-        setArea("WORKAREA", suffix, screens_[i].work);
-        all = united(all, screens_[i].whole);
+        const auto& screen = i < screens_.size() ? screens_[i] : primary;
+        setArea("SCREENAREA", suffix, screen.whole);
+        setArea("WORKAREA", suffix, screen.work);
+        all = united(all, screen.whole);
     }
     for (const auto* prefix : {"", "P"}) {
         setArea(std::string(prefix) + "SCREENAREA", "", primary.whole);

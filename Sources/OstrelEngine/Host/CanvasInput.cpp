@@ -36,6 +36,11 @@ void CanvasInput::mouseDragged(Point point) {
         rules_->mouseDragged(point);
 }
 
+void CanvasInput::windowWillMove() {
+    if (rules_)
+        rules_->windowWillMove();
+}
+
 void CanvasInput::mouseUp(Point point, PointerButton button) {
     if (rules_)
         rules_->mouseUp(point, button);

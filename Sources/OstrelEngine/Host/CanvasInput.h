@@ -30,6 +30,8 @@ public:
     void mouseExited();
     Press mouseDown(Point point, const PointerPress& press = {});
     void mouseDragged(Point point);
+    /// The press has become a move of the window.
+    void windowWillMove();
     void mouseUp(Point point, PointerButton button = PointerButton::left);
     /// False when nothing here had an action for it.
     bool scrollWheel(const ScrollEvent& event);

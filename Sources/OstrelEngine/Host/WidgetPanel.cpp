@@ -10,6 +10,7 @@
 #include <QMouseEvent>
 #include <QPointingDevice>
 #include <QScreen>
+#include <QStyleHints>
 
 #include <chrono>
 #include <cmath>
@@ -42,6 +43,23 @@ Point pointOf(const QMouseEvent& event) {
     return {event.position().x(), event.position().y()};
 }
 
+std::optional<PointerButton> buttonOf(const QMouseEvent& event) {
+    switch (event.button()) {
+    case Qt::LeftButton:
+        return PointerButton::left;
+    case Qt::RightButton:
+        return PointerButton::right;
+    case Qt::MiddleButton:
+        return PointerButton::middle;
+    case Qt::XButton1:
+        return PointerButton::x1;
+    case Qt::XButton2:
+        return PointerButton::x2;
+    default:
+        return std::nullopt;
+    }
+}
+
 ScrollPhase phaseOf(Qt::ScrollPhase phase) {
     switch (phase) {
     case Qt::ScrollBegin:
@@ -59,7 +77,8 @@ ScrollEvent scrollOf(const QWheelEvent& event) {
     using Seconds = std::chrono::duration<double>;
     ScrollEvent scroll;
     scroll.point = {event.position().x(), event.position().y()};
-    scroll.delta = event.angleDelta().y();
+    scroll.isSideways = event.angleDelta().y() == 0 && event.angleDelta().x() != 0;
+    scroll.delta = scroll.isSideways ? event.angleDelta().x() : event.angleDelta().y();
     scroll.phase = phaseOf(event.phase());
     scroll.momentum = event.phase() == Qt::ScrollMomentum ? ScrollPhase::changed : ScrollPhase::none;
     // Not by the size of the steps: fine wheels report fractions of a notch too.
@@ -193,13 +212,30 @@ void WidgetPanel::moveEvent(QMoveEvent*) {
 }
 
 void WidgetPanel::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::RightButton)
-        return showContextMenu(event->globalPosition().toPoint());
-    if (event->button() != Qt::LeftButton)
+    const auto button = buttonOf(*event);
+    if (!button)
         return;
-    const auto press = view_.input().mouseDown(pointOf(*event));
-    if (press == Press::background && movableByBackground_)
+    const bool isBypassed = event->modifiers().testFlag(Qt::ControlModifier);
+    const auto press = view_.input().mouseDown(pointOf(*event), {*button, isSecondPress(*event), isBypassed});
+    if (press != Press::background)
+        return;
+    if (*button == PointerButton::right)
+        showContextMenu(event->globalPosition().toPoint());
+    else if (*button == PointerButton::left && movableByBackground_)
         grip_ = Grip{event->globalPosition().toPoint(), position()};
+}
+
+/// The toolkit tells of it only when it has told of the press.
+bool WidgetPanel::isSecondPress(const QMouseEvent& event) {
+    const auto* hints = QGuiApplication::styleHints();
+    const Click click{event.button(), event.globalPosition().toPoint(), event.timestamp()};
+    const auto before = std::exchange(lastClick_, click);
+    const bool isSecond = before.button == click.button
+        && click.milliseconds - before.milliseconds < static_cast<unsigned long long>(hints->mouseDoubleClickInterval())
+        && (click.pointer - before.pointer).manhattanLength() < hints->mouseDoubleClickDistance();
+    if (isSecond)
+        lastClick_ = {};
+    return isSecond;
 }
 
 void WidgetPanel::mouseMoveEvent(QMouseEvent* event) {
@@ -215,16 +251,21 @@ void WidgetPanel::dragTo(const QPoint& pointer) {
     if (!grip_)
         return;
     const QPoint way = pointer - grip_->pointer;
-    grip_->moving = grip_->moving || way.manhattanLength() >= DragThreshold;
+    if (!grip_->moving && way.manhattanLength() >= DragThreshold) {
+        grip_->moving = true;
+        view_.input().windowWillMove();
+    }
     if (grip_->moving)
         setPosition(grip_->window + way);
 }
 
 void WidgetPanel::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton)
+    const auto button = buttonOf(*event);
+    if (!button)
         return;
-    grip_.reset();
-    view_.input().mouseUp(pointOf(*event));
+    if (*button == PointerButton::left)
+        grip_.reset();
+    view_.input().mouseUp(pointOf(*event), *button);
 }
 
 void WidgetPanel::wheelEvent(QWheelEvent* event) {

@@ -66,6 +66,7 @@ protected:
 
 private:
     void dragTo(const QPoint& pointer);
+    bool isSecondPress(const QMouseEvent& event);
     void pointerDidLeave();
     void showField(const std::optional<InputTextPresentation>& presentation) override;
     void showContextMenu(const QPoint& at);
@@ -91,6 +92,13 @@ private:
     DesktopAppearance* appearance_ = nullptr;
     bool movableByBackground_ = true;
     std::optional<Grip> grip_;
+    /// The press before, while the next may be its second.
+    struct Click {
+        Qt::MouseButton button = Qt::NoButton;
+        QPoint pointer;
+        unsigned long long milliseconds = 0;
+    };
+    Click lastClick_;
     std::optional<Point> lastOrigin_;
     /// How far a wheel has turned since its last whole step.
     double partOfNotch_ = 0;

@@ -57,8 +57,8 @@ void BaseMeasure::setShaping(std::unique_ptr<ValueShaping> shaping) {
     if (shaping_)
         shaping_->optionsDidChange(options_);
     shapedOptionsRevision_ = optionsRevision_;
-    // A value from before has no range yet where the range is to be tracked.
-    if (value_.minValue > value_.maxValue) {
+    // A value from before has no range yet where the range is to be tracked, nor has one that nobody published.
+    if (value_.minValue > value_.maxValue || valueRevision_ == 0) {
         value_.minValue = 0;
         value_.maxValue = 1;
     }

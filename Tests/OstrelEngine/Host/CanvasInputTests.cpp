@@ -148,7 +148,13 @@ TEST(CanvasInput, stepsOnceForEachCommandGesture) {
     Canvas canvas;
     canvas.add("A", {0, 0, 10, 10}, {{"MouseScrollUpAction", "up"}});
     const auto scroll = [&](double delta, bool precise, ScrollPhase phase, ScrollPhase momentum, double uptime) {
-        canvas.input.scrollWheel({{1, 1}, delta, false, precise, phase, momentum, true, false, uptime});
+        canvas.input.scrollWheel({.point = {1, 1},
+            .delta = delta,
+            .isPrecise = precise,
+            .phase = phase,
+            .momentum = momentum,
+            .isCommandHeld = true,
+            .uptimeSeconds = uptime});
         return canvas.taken().size();
     };
     EXPECT_EQ(scroll(1, false, none, none, 1), 1U);

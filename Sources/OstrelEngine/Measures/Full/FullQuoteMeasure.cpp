@@ -65,6 +65,10 @@ void FullQuoteMeasure::update() {
         readAt_ = now;
         readPieces();
     }
+    pick();
+}
+
+void FullQuoteMeasure::pick() {
     if (pieces_.empty())
         return publishText("", 0);
     auto pick = random_.below(pieces_.size());
@@ -98,8 +102,10 @@ void FullQuoteMeasure::readPieces() {
             if (pieces != pieces_)
                 shown_.reset();
             pieces_ = std::move(pieces);
-            if (isFirst && !pieces_.empty())
-                host().valueDidArrive(*this);
+            if (!isFirst || pieces_.empty())
+                return;
+            pick();
+            host().valueDidArrive(*this);
         });
 }
 

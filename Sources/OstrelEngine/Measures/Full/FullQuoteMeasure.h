@@ -18,6 +18,8 @@ public:
     void update() override;
 
 private:
+    /// Another piece than the one that is shown; empty while there is none.
+    void pick();
     void readPieces();
 
     RandomNumbers random_;

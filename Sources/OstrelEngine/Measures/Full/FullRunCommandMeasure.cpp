@@ -217,7 +217,11 @@ void FullRunCommandMeasure::run() {
         return show(CannotStart);
     if (!platform.programs) {
         const bool isLaunched = platform.workspace && platform.workspace->launch(line->program, line->arguments);
-        return show(isLaunched ? Done : CannotStart);
+        show(isLaunched ? Done : CannotStart);
+        // Nothing tells when it ends: done is done.
+        if (isLaunched)
+            host().runAction(*this, std::string(text("FinishAction"_key)));
+        return;
     }
     wasHidden_ = equalsIgnoringCase(trimmed(text("State"_key, "Hide")), "Hide");
     program_ = platform.programs->start({.program = line->program, .arguments = line->arguments, .folder = folder()},

@@ -18,6 +18,7 @@ public:
     Point anchorOffset(Size box) const override;
     /// The text as of the last update: formatted, in its case, before it is broken or cut.
     std::optional<std::string> displayedText(MeasureValues values) override;
+    bool needsEveryUpdate() const override { return false; }
 
 protected:
     void readOptions() override;

@@ -130,7 +130,9 @@ TEST_F(FullFolders, listsPagesOfAFolder) {
 
 TEST_F(FullFolders, quotesWithoutRepeating) {
     auto& lines = skin.add("Q", "Plugin:QuotePlugin.dll", {{"PathName", folder.path() + "/b.txt"}});
-    EXPECT_NE(settled(lines), "");
+    lines.update();
+    skin.fake.queue.runQueued();
+    EXPECT_NE(shown(lines), "") << "the first piece shows as soon as it is read";
     std::set<std::string> seen;
     for (int i = 0; i < 50; ++i) {
         const auto before = shown(lines);

@@ -193,7 +193,7 @@ TEST(FullMeasureFactory, knowsEverySpellingAndStubsTheRest) {
         EXPECT_EQ(FullMeasureFactory::pluginName(row.written), row.name);
     FakeFullHost skin;
     auto& unknown = skin.addUpdated("U", "Plugin:Nobody.dll", {{"MaxValue", "5"}});
-    EXPECT_EQ(shown(unknown), "0 of 0..100");
+    EXPECT_EQ(shown(unknown), "0 of 0..1");
     EXPECT_EQ(skin.lines, std::vector<std::string>{"log U Nothing serves the measure Nobody.dll"});
 }
 
