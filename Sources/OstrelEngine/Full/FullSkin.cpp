@@ -106,8 +106,10 @@ FullSkin::FullSkin(PackSkin skin, const Platform& platform, FullSkinHost& host, 
     mouseActions_.setOwnerCount(meters_.count() + 1);
     for (std::size_t i = 0; i < measures_.count(); ++i)
         readMeasureState(i);
-    for (std::size_t i = 0; i < meters_.count(); ++i)
+    for (std::size_t i = 0; i < meters_.count(); ++i) {
+        meters_.entry(i).meter->takeWrittenSize();
         readMeterState(i);
+    }
 }
 
 FullSkin::~FullSkin() = default;
@@ -300,9 +302,9 @@ void FullSkin::updateMeter(std::size_t position, Cause cause) {
         ItemTarget target(meter);
         section.read(scope_, sections_, target);
     }
-    const bool isRead = entry.optionsRevision != meter.optionsRevision();
     readMeterState(position);
-    const bool isOther = meters_.holdValues(position, measures_) || entry.updatedRevision != meter.optionsRevision();
+    const bool isRead = entry.updatedRevision != meter.optionsRevision();
+    const bool isOther = meters_.holdValues(position, measures_) || isRead;
     if (isOther || meter.needsEveryUpdate()) {
         entry.updatedRevision = meter.optionsRevision();
         const Size before = meter.boxSize();
@@ -372,7 +374,9 @@ void FullSkin::publish() {
 }
 
 void FullSkin::redraw() {
-    if (isWindowDynamic_)
+    // Within the first update the meters behind have no size yet; its end fits the window.
+    const bool isDue = !hasWindowSize_ && cycleDepth_ == 0;
+    if (isDue || isWindowDynamic_)
         fitWindow();
     publish();
 }

@@ -88,8 +88,12 @@ void FullSkin::switchMeters(const SectionChoice& meters, Switch shown) {
 }
 
 void FullSkin::moveMeter(std::string_view meter, double x, double y) {
-    if (const auto position = meters_.position(meter))
-        layout_.move(*position, x, y);
+    const auto position = meters_.position(meter);
+    if (!position)
+        return;
+    layout_.move(*position, x, y);
+    // The window follows at the next update or redraw, also where it is fitted only once.
+    hasWindowSize_ = false;
 }
 
 void FullSkin::updateMeters(const SectionChoice& meters) {

@@ -248,6 +248,15 @@ TEST(FullSkinTests, keepsTheWindowsSize) {
         skin.tick();
         EXPECT_EQ(skin.skin->widgetSize(), after) << options;
     }
+
+    // A moved meter takes the window with it; a size that is written counts before the meter's own first update.
+    RunningFullSkin skin(
+        "[A]\nMeter=Box\nX=([B:XW]+1)\nW=2\nH=8\nDynamicVariables=1\n[B]\nMeter=Box\nX=3\nW=20\nH=4\n");
+    skin.skin->start();
+    EXPECT_EQ(skin.frame("A"), "24 0 2 8");
+    EXPECT_EQ(skin.skin->widgetSize(), (Size{26, 8}));
+    skin.run("[!MoveMeter 40 10 B][!Redraw]");
+    EXPECT_EQ(skin.skin->widgetSize(), (Size{60, 14}));
 }
 
 TEST(FullSkinTests, knowsWhereItStands) {

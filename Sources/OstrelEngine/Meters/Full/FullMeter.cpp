@@ -63,6 +63,17 @@ Padding paddingOf(std::string_view text) {
     return {at(0), at(1), at(2), at(3)};
 }
 
+std::optional<double> writtenLength(std::string_view text) {
+    const auto number = OptionValues::number(text);
+    return number ? std::optional(std::trunc(std::max(0.0, boundedCoordinate(*number)))) : std::nullopt;
+}
+
+Size boxAround(const Size& content, const Padding& padding) {
+    const auto whole
+        = [](double size, double added) { return std::max(0.0, std::trunc(boundedCoordinate(size)) + added); };
+    return {whole(content.width, padding.left + padding.right), whole(content.height, padding.top + padding.bottom)};
+}
+
 /// Only moved and scaled alike in both directions.
 bool isUpright(const QTransform& transform) {
     return transform.type() <= QTransform::TxScale && transform.m11() == transform.m22() && transform.m11() > 0;
@@ -143,13 +154,9 @@ FullMeter::~FullMeter() = default;
 void FullMeter::update(MeasureValues values) {
     if (state_->readRevision != optionsRevision()) {
         state_->readRevision = optionsRevision();
-        const auto size = [this](const CaseKey& key) -> std::optional<double> {
-            const auto number = OptionValues::number(text(key));
-            return number ? std::optional(std::trunc(std::max(0.0, boundedCoordinate(*number)))) : std::nullopt;
-        };
         Look look;
-        look.width = size("W"_key);
-        look.height = size("H"_key);
+        look.width = writtenLength(text("W"_key));
+        look.height = writtenLength(text("H"_key));
         look.padding = paddingOf(text("Padding"_key));
         look.solidColor = toQColor(color("SolidColor"_key, {0, 0, 0, 0}));
         if (const auto second = OptionValues::color(text("SolidColor2"_key)))
@@ -182,10 +189,14 @@ void FullMeter::update(MeasureValues values) {
         const Size own = contentSize(look.width, look.height);
         content = {look.width.value_or(own.width), look.height.value_or(own.height)};
     }
-    const auto whole
-        = [](double size, double padding) { return std::max(0.0, std::trunc(boundedCoordinate(size)) + padding); };
-    box_ = {whole(content.width, look.padding.left + look.padding.right),
-        whole(content.height, look.padding.top + look.padding.bottom)};
+    box_ = boxAround(content, look.padding);
+}
+
+void FullMeter::takeWrittenSize() {
+    if (!ignoresWrittenSize()) {
+        const Size content{writtenLength(text("W"_key)).value_or(0), writtenLength(text("H"_key)).value_or(0)};
+        box_ = boxAround(content, paddingOf(text("Padding"_key)));
+    }
 }
 
 void FullMeter::setContainer(std::weak_ptr<FullMeter> container) {

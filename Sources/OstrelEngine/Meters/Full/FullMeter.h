@@ -38,6 +38,9 @@ public:
     /// False: an update with the options and values of the one before changes nothing and may be left out.
     virtual bool needsEveryUpdate() const { return true; }
 
+    /// Before the first update: the box is as large as the written sizes tell, so that meters which are updated
+    /// earlier can place themselves beside it.
+    void takeWrittenSize();
     /// The whole box with padding, as of the last update: written sizes, else those of the content. Whole pixels.
     Size boxSize() const { return box_; }
     /// What is subtracted from X and Y to find the box's corner: not 0 only where the meter aligns itself to its
