@@ -34,24 +34,48 @@ std::string_view withoutComment(std::string_view text) {
     return text;
 }
 
-std::optional<double> trimmedNumber(std::string_view text) {
-    if (text.empty())
-        return std::nullopt;
-    if (text.front() == '(') {
-        if (!isInParentheses(text))
-            return std::nullopt;
-        const auto formula = Formula::compile(text);
-        return formula ? formula->evaluate() : std::nullopt;
+/// The length of the pair of parentheses that the text begins with, absent when it is not closed.
+std::optional<std::size_t> parenthesesLength(std::string_view text) {
+    std::size_t depth = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '(')
+            ++depth;
+        else if (text[i] == ')' && --depth == 0)
+            return i + 1;
     }
-    const bool isNegative = text.front() == '-';
-    if (isNegative || text.front() == '+')
+    return std::nullopt;
+}
+
+struct LeadingNumber {
+    double value = 0;
+    std::string_view rest;
+};
+
+std::optional<LeadingNumber> leadingNumber(std::string_view text) {
+    if (text.starts_with('(')) {
+        // Skins also write `(a)+(b)`.
+        if (const auto whole = isInParentheses(text) ? Formula::compile(text) : std::nullopt) {
+            if (const auto value = whole->evaluate())
+                return LeadingNumber{*value, {}};
+        }
+        const auto length = parenthesesLength(text);
+        const auto formula = length ? Formula::compile(text.substr(0, *length)) : std::nullopt;
+        const auto value = formula ? formula->evaluate() : std::nullopt;
+        return value ? std::optional(LeadingNumber{*value, text.substr(*length)}) : std::nullopt;
+    }
+    const bool isNegative = text.starts_with('-');
+    if (isNegative || text.starts_with('+'))
         text.remove_prefix(1);
-    if (text.find_first_not_of("0123456789.") != std::string_view::npos)
+    const auto found = parseNumberPrefix(text.substr(0, text.find_first_not_of("0123456789.")));
+    if (found.length == 0 || !std::isfinite(found.value))
         return std::nullopt;
-    const auto found = parseNumberPrefix(text);
-    if (found.length == 0 || found.length != text.size() || !std::isfinite(found.value))
-        return std::nullopt;
-    return isNegative ? -found.value : found.value;
+    return LeadingNumber{isNegative ? -found.value : found.value, text.substr(found.length)};
+}
+
+/// Whatever stands behind the number is a note.
+std::optional<double> trimmedNumber(std::string_view text) {
+    const auto leading = leadingNumber(text);
+    return leading ? std::optional(leading->value) : std::nullopt;
 }
 
 int hexadecimalDigit(char c) {
@@ -112,7 +136,12 @@ bool isInParentheses(std::string_view text) {
 }
 
 std::optional<double> number(std::string_view text) {
-    return trimmedNumber(trimmedBlanks(withoutComment(text)));
+    return trimmedNumber(trimmedBlanks(text));
+}
+
+std::optional<double> numberAlone(std::string_view text) {
+    const auto leading = leadingNumber(trimmedBlanks(withoutComment(text)));
+    return leading && leading->rest.empty() ? std::optional(leading->value) : std::nullopt;
 }
 
 std::optional<int> integer(std::string_view text) {
@@ -182,6 +211,11 @@ std::string numberText(double number, int decimals) {
     constexpr double ExactWhole = 1e15;
     if (std::abs(number) < ExactWhole && number == std::trunc(number))
         return formatInteger(static_cast<std::int64_t>(number));
+    const auto shortest = formatShortest(number);
+    const auto point = shortest.find('.');
+    if (point != std::string::npos && shortest.find_first_of("en") == std::string::npos
+        && shortest.size() - point - 1 <= static_cast<std::size_t>(std::max(decimals, 0)))
+        return shortest;
     auto text = fixedText(number, decimals);
     if (text.find('.') != std::string::npos) {
         text.erase(text.find_last_not_of('0') + 1);

@@ -15,12 +15,13 @@ namespace Ostrel::OptionValues {
 using ColorBytes = std::array<std::uint8_t, 4>;
 
 /// Whether the trimmed text begins with "(" and ends with ")": only then is an option's text a formula. Skins also
-/// write
-/// `(a)+(b)`.
+/// write `(a)+(b)`.
 bool isInParentheses(std::string_view text);
-/// A decimal number without exponent, or a formula wholly in parentheses; what follows a blank and ";" is ignored.
-/// Absent when it is neither, or the formula has no value.
+/// The decimal number without exponent, or the formula in parentheses, that the text begins with; authors write units
+/// and notes behind it. Absent when it begins with neither, or the formula has no value.
 std::optional<double> number(std::string_view text);
+/// The same where other texts have a meaning of their own: absent when more follows than a blank, ";" and a note.
+std::optional<double> numberAlone(std::string_view text);
 /// The same, cut to a whole number and held to the range of int.
 std::optional<int> integer(std::string_view text);
 /// On when the number is not 0.

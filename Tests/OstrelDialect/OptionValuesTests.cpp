@@ -20,25 +20,27 @@ TEST(OptionValues, readsNumbersAndFormulasInParentheses) {
              Row{" 12 ", 12},
              {"-.5", -0.5},
              {"+3", 3},
-             {"(1+2)*2", {}},
+             {"(1+2)*2", 3},
              {"((1+2)*2)", 6},
              {"(1)+(2)", 3},
-             {"1+2", {}},
+             {"1+2", 1},
              {"10 ; wide", 10},
              {"(2*3) ;x", 6},
-             {"10;", {}},
+             {"10;", 10},
              {"", {}},
-             {"1e3", {}},
+             {"1e3", 1},
              {"inf", {}},
              {"--1", {}},
-             {"12px", {}},
+             {"-12px", -12},
              {"(1/0)", {}},
              {"(", {}},
              {"()", {}},
-             {"0x10", {}},
+             {"0x10", 0},
              {"(0x10)", 16},
          })
         EXPECT_EQ(OptionValues::number(text), expected) << text;
+    EXPECT_EQ(OptionValues::numberAlone(" (1+2) ; note"), 3);
+    EXPECT_EQ(OptionValues::numberAlone("2026-11-21"), std::nullopt);
     EXPECT_EQ(OptionValues::integer("-2.9"), -2);
     EXPECT_EQ(OptionValues::integer("(10**20)"), INT_MAX);
     EXPECT_EQ(OptionValues::isOn("0.0"), false);

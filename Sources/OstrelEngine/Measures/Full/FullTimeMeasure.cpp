@@ -99,7 +99,7 @@ void FullTimeMeasure::readStamp() {
         stampSecond_ = second.value_or(0);
         return;
     }
-    if (const auto number = OptionValues::number(written)) {
+    if (const auto number = OptionValues::numberAlone(written)) {
         stamp_ = Stamp::Moment;
         stampSecond_ = numericAsInt64(std::floor(*number));
         return;

@@ -411,9 +411,10 @@ int closeFunction(lua_State* lua) {
 
 int type(lua_State* lua) {
     luaL_checkany(lua, 1);
-    if (fileAt(lua, 1))
-        return fileText(lua);
-    lua_pushnil(lua);
+    if (const auto* file = fileAt(lua, 1))
+        push(lua, file->isOpen ? "file" : "closed file");
+    else
+        lua_pushnil(lua);
     return 1;
 }
 

@@ -22,14 +22,13 @@ constexpr int MostDigits = 64;
 
 FullBitmapMeter::FullBitmapMeter(const MeterDefinition& definition, Options options, const FullMeterContext& context)
     : FullMeter(definition, std::move(options), context)
-    , picture_(context) { }
+    , picture_(context, PictureSource::Kind::Frames) { }
 
 void FullBitmapMeter::readOptions() {
     Look look;
     look.name = OptionValues::unquoted(text("BitmapImage"_key));
     look.frames = std::max(1, integer("BitmapFrames"_key, 1));
     look.transitions = std::clamp(integer("BitmapTransitionFrames"_key, 0), 0, look.frames - 1);
-    look.hasZeroFrame = isOn("BitmapZeroFrame"_key, false);
     look.showsDigits = isOn("BitmapExtend"_key, false);
     look.digits = std::clamp(integer("BitmapDigits"_key, 0), 0, MostDigits);
     look.separation = std::trunc(boundedCoordinate(number("BitmapSeparation"_key, 0)));
@@ -53,8 +52,8 @@ std::vector<int> FullBitmapMeter::indexes(MeasureValues values) const {
     const MeasureValue none;
     const MeasureValue& value = values.empty() ? none : values.front();
     if (!look_.showsDigits) {
-        const double places = look_.hasZeroFrame ? frames - 1 : frames;
-        const double index = std::floor(value.percentFraction() * places);
+        // Alike with BitmapZeroFrame and without: 100 % shows the last frame.
+        const double index = std::floor(value.percentFraction() * frames);
         return {std::clamp(static_cast<int>(index), 0, frames - 1)};
     }
     // A single frame has no digits to tell apart.

@@ -34,7 +34,6 @@ private:
         int frames = 1;
         /// Behind each real frame.
         int transitions = 0;
-        bool hasZeroFrame = false;
         bool showsDigits = false;
         /// 0 for as many as the number has.
         int digits = 0;

@@ -18,7 +18,7 @@ constexpr int FrameCount = 3;
 
 FullButtonMeter::FullButtonMeter(const MeterDefinition& definition, Options options, const FullMeterContext& context)
     : FullMeter(definition, std::move(options), context)
-    , picture_(context) { }
+    , picture_(context, PictureSource::Kind::Frames) { }
 
 void FullButtonMeter::readOptions() {
     const std::string name(OptionValues::unquoted(text("ButtonImage"_key)));

@@ -17,8 +17,8 @@ namespace Ostrel {
 
 namespace {
 
-/// A stroke that ends less than this within a pixel does not make the meter larger.
-constexpr double HardlyAPixel = 1.0 / 64;
+/// A shape that ends less than this before a whole pixel reaches it: turning leaves such remainders.
+constexpr double HardlyAnything = 1.0 / 64;
 
 bool isWhole(double value) {
     return value == std::floor(value);
@@ -107,7 +107,7 @@ void FullShapeMeter::readOptions() {
 
 Size FullShapeMeter::contentSize(std::optional<double> width, std::optional<double> height) const {
     const QRectF bounds = state_->bounds.value_or(QRectF());
-    const auto reach = [](double end) { return std::max(0.0, std::ceil(end - HardlyAPixel)); };
+    const auto reach = [](double end) { return std::max(0.0, std::floor(end + HardlyAnything)); };
     return {width.value_or(reach(bounds.right())), height.value_or(reach(bounds.bottom()))};
 }
 

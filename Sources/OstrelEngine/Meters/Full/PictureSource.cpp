@@ -133,6 +133,10 @@ bool PictureSource::setOptions(const Options& options, std::string_view prefix) 
     };
     isDynamic_ = OptionValues::isOn(option(options, "DynamicVariables"_key).value_or("")).value_or(false);
     auto parsed = PictureOptions::parse(options, prefix);
+    if (kind_ == Kind::Frames) {
+        parsed.crop.reset();
+        parsed.rotation = 0;
+    }
     auto folder = text("ImagePath");
     if (folder.empty() && prefix.empty())
         folder = text("Path");

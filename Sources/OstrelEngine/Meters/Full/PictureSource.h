@@ -15,8 +15,12 @@ namespace Ostrel {
 /// read and computed once until the file changes. Main thread.
 class PictureSource {
 public:
-    explicit PictureSource(const FullMeterContext& context)
-        : folders_(context.folders) { }
+    /// `Frames` are equal parts of the file, which crop and rotation would shift: these are not read.
+    enum class Kind { Whole, Frames };
+
+    explicit PictureSource(const FullMeterContext& context, Kind kind = Kind::Whole)
+        : folders_(context.folders)
+        , kind_(kind) { }
 
     /// Image options under a prefix, the folder of names, and whether the file is looked at again at each `show`. True
     /// when they are others.
@@ -34,6 +38,7 @@ private:
     static const QImage NoImage;
 
     const PackFolders& folders_;
+    const Kind kind_;
     PictureOptions options_;
     std::string folder_;
     bool isDynamic_ = false;

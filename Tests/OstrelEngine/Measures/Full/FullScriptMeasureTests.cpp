@@ -200,7 +200,7 @@ TEST(FullScriptMeasure, FilesOfItsPack) {
         {"(function() local f = io.open('Data.txt', 'a') f:write('\\nmore') return io.type(f) .. tostring(f:close()) "
          ".. "
          "io.type(f) end)()",
-            "filetruefile (closed)"},
+            "filetrueclosed file"},
         {"tostring(os.rename('Data.txt', 'Moved.txt')) .. tostring(os.remove('Moved.txt')) .. "
          "tostring(io.open('Moved.txt'))",
             "truetruenil"}};

@@ -31,6 +31,7 @@ TEST(FullShape, findsItsSizeWithStrokesAndTransforms) {
     EXPECT_EQ(sizeOf("Rectangle 0,0,100,50 | StrokeWidth 0"), (Size{100, 50}));
     EXPECT_EQ(sizeOf("Rectangle 10,0,100,50 | StrokeWidth 4"), (Size{112, 52}));
     EXPECT_EQ(sizeOf("Rectangle 0,0,100,50 | StrokeWidth 0 | Rotate 90"), (Size{75, 75}));
+    EXPECT_EQ(sizeOf("Rectangle 0,0,100,49.9"), (Size{100, 50})) << "whole pixels, half a stroke is dropped";
     EXPECT_EQ(sizeOf("Rectangle -50,-50,10,10"), (Size{0, 0}));
     EXPECT_EQ(sizeOf("Rectangle 0,0"), (Size{0, 0}));
 }
