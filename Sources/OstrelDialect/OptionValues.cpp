@@ -213,7 +213,7 @@ std::string numberText(double number, int decimals) {
         return formatInteger(static_cast<std::int64_t>(number));
     const auto shortest = formatShortest(number);
     const auto point = shortest.find('.');
-    if (point != std::string::npos && shortest.find_first_of("en") == std::string::npos
+    if (point != std::string::npos && !shortest.ends_with(".0") && shortest.find_first_of("en") == std::string::npos
         && shortest.size() - point - 1 <= static_cast<std::size_t>(std::max(decimals, 0)))
         return shortest;
     auto text = fixedText(number, decimals);

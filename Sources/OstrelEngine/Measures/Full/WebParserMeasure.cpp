@@ -236,7 +236,7 @@ WebRequest WebParserMeasure::request(std::string url, bool mayReachLocal) const 
 void WebParserMeasure::fetchPage(std::string url, int redirects, bool mayReachLocal) {
     const auto server = WebPage::hostOf(url);
     auto* web = host().platform().web;
-    if (server.empty() || !host().isAllowed(Permission::Web, server) || !web) {
+    if (server.empty() || !host().isAllowed(Permission::Web, url) || !web) {
         done();
         return;
     }
