@@ -8,7 +8,7 @@ namespace Ostrel {
 
 namespace {
 
-constexpr std::size_t MostBesideEachOther = 9;
+constexpr std::size_t MostBesideEachOther = 24;
 constexpr double Gap = 20;
 
 constexpr int GridColumns = 10;

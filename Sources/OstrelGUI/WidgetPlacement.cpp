@@ -12,6 +12,9 @@ namespace {
 /// Places that are tried before a widget may cover another.
 constexpr int MostPlaces = 40;
 constexpr double Gap = 20;
+/// Of the search that looks everywhere.
+constexpr double Margin = 10;
+constexpr double Step = 10;
 
 bool overlap(const Rect& a, const Rect& b) {
     return a.x < b.maxX() && b.x < a.maxX() && a.y < b.maxY() && b.y < a.maxY();
@@ -35,13 +38,21 @@ std::optional<Point> WidgetPlacement::freePlace(Size widget, const std::vector<R
         lefts.push_back(std::max(std::ceil(other.maxX() + Gap), start.x));
         bottoms.push_back(std::max(std::ceil(other.maxY() + Gap), start.y));
     }
+    const auto isFree = [&](const Rect& frame) {
+        return frame.maxX() <= screen.width && frame.maxY() <= screen.height
+            && std::ranges::none_of(running, [&](const Rect& other) { return overlap(frame, other); });
+    };
     std::ranges::sort(lefts);
     std::ranges::sort(bottoms);
     for (const double y : bottoms)
         for (const double x : lefts) {
-            const Rect frame{x, y, widget.width, widget.height};
-            const bool isOnScreen = frame.maxX() <= screen.width && frame.maxY() <= screen.height;
-            if (isOnScreen && std::ranges::none_of(running, [&](const Rect& other) { return overlap(frame, other); }))
+            if (isFree({x, y, widget.width, widget.height}))
+                return Point{x, y};
+        }
+    // Nothing lies in line with the others: wherever there is room.
+    for (double y = Margin; y + widget.height <= screen.height; y += Step)
+        for (double x = Margin; x + widget.width <= screen.width; x += Step) {
+            if (isFree({x, y, widget.width, widget.height}))
                 return Point{x, y};
         }
     return std::nullopt;

@@ -1,5 +1,4 @@
 """The first minute of a new user: all starter skins at once, on screens of several sizes. Arguments: ostrel-gui, ostrel."""
-import glob
 import os
 import signal
 import subprocess
@@ -12,8 +11,10 @@ BOX = "[Box]\nMeter=Image\nW=%s\nH=%s\nSolidColor=0,0,200\n"
 
 
 def starter_skins():
-    found = glob.glob(os.path.join(SKINS, "**", "*.ini"), recursive=True)
-    return sorted(path for path in found if "@Resources" not in path)
+    """Those that `run` shows."""
+    with open(os.path.join(SKINS, "..", "run"), encoding="utf-8") as run:
+        names = next(line for line in run if line.strip().startswith("for name in")).split(" in ")[1].split(";")[0].split()
+    return [os.path.join(SKINS, "Ostrel", name, name + ".ini") for name in names]
 
 
 def overlapping(frames):

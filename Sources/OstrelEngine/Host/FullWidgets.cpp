@@ -86,7 +86,7 @@ std::shared_ptr<FullSkin> FullWidgetHost::makeSkin(PackSkin skin, std::int64_t c
     auto& kept = shared_.settings(skinFile_);
     if (!kept) {
         kept = firstWindowSettings(skin_->skinOptions());
-        firstPosition_ = firstWindowPosition(skin_->skinOptions(), place(), skin_->widgetSize());
+        isFirstTime_ = true;
     }
     settings_ = *kept;
     shared_.registry().add(skin_);
@@ -104,10 +104,13 @@ void FullWidgetHost::setPanel(WidgetPanel* panel) {
 }
 
 std::optional<Point> FullWidgetHost::firstOrigin() const {
-    if (!firstPosition_ || !skin_)
+    if (!isFirstTime_ || !skin_)
+        return std::nullopt;
+    const auto position = firstWindowPosition(skin_->skinOptions(), place(), skin_->widgetSize());
+    if (!position)
         return std::nullopt;
     const QSize size = PanelPlacement::windowSize(skin_->widgetSize(), 1);
-    return PanelPlacement::origin(QRect(QPoint(firstPosition_->x, firstPosition_->y), size), primaryScreen());
+    return PanelPlacement::origin(QRect(QPoint(position->x, position->y), size), primaryScreen());
 }
 
 void FullWidgetHost::placeDidChange() {

@@ -60,7 +60,8 @@ public:
     std::int64_t cycles() const;
     /// Null while there is none.
     void setPanel(WidgetPanel* panel);
-    /// Where a window that nobody has placed stands by the skin's own word, bottom left corner, y upward.
+    /// Where the window of a config that is shown for the first time stands by the skin's own word, bottom left corner,
+    /// y upward. After the skin's start.
     std::optional<Point> firstOrigin() const;
     void placeDidChange();
     std::vector<SkinMenuItem> menuItems() const;
@@ -104,7 +105,7 @@ private:
     std::string skinFile_;
     std::string root_;
     WindowSettings settings_;
-    std::optional<ScreenPoint> firstPosition_;
+    bool isFirstTime_ = false;
     std::shared_ptr<FullSkin> skin_;
     WidgetPanel* panel_ = nullptr;
 };

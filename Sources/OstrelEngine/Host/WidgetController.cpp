@@ -97,8 +97,10 @@ void WidgetController::start(std::optional<Point> origin, const std::optional<Wi
     const auto skin = makeSkinOfItsDialect();
     if (state)
         skin->applyState(*state);
-    if (!origin && fullHost_)
-        origin = fullHost_->firstOrigin();
+    // Such a skin knows its size only when it has been updated.
+    const bool isPlacedLater = !origin && fullHost_;
+    if (isPlacedLater)
+        origin = DefaultOrigin;
     if (!origin)
         origin = chooseOrigin ? chooseOrigin(skin->widgetSize()) : DefaultOrigin;
     WidgetPanelClient& client = *this;
@@ -108,10 +110,20 @@ void WidgetController::start(std::optional<Point> origin, const std::optional<Wi
     if (fullHost_)
         fullHost_->setPanel(&window_->panel);
     skin->start();
+    if (isPlacedLater)
+        placeBySize(*skin);
     window_->panel.pinToDesktopLayer();
     if (fullHost_)
         fullHost_->setPanel(&window_->panel);
     skin_ = skin;
+}
+
+void WidgetController::placeBySize(const Skin& skin) {
+    auto origin = fullHost_->firstOrigin();
+    if (!origin && chooseOrigin)
+        origin = chooseOrigin(skin.widgetSize());
+    if (origin)
+        window_->panel.moveTo(*origin);
 }
 
 std::shared_ptr<Skin> WidgetController::makeSkinOfItsDialect() {

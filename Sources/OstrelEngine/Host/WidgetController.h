@@ -81,6 +81,8 @@ private:
 
     void stop(NotifyManager notify);
     std::shared_ptr<Skin> makeSkinOfItsDialect();
+    /// Where the skin itself or `chooseOrigin` says.
+    void placeBySize(const Skin& skin);
 
     // SkinHost. A skin asks in the middle of its own work, and most of what it asks for is its end: that is done later,
     // from the main queue.
