@@ -76,9 +76,12 @@ FullWidgetHost::FullWidgetHost(
     , skinFile_(folders.skinFile)
     , root_(folders.root) { }
 
-FullWidgetHost::~FullWidgetHost() {
-    if (skin_)
-        shared_.registry().remove(*skin_);
+FullWidgetHost::~FullWidgetHost() = default;
+
+void FullWidgetHost::skinDidStop() {
+    setPanel(nullptr);
+    if (const auto skin = std::exchange(skin_, nullptr))
+        shared_.registry().remove(*skin);
 }
 
 std::shared_ptr<FullSkin> FullWidgetHost::makeSkin(PackSkin skin, std::int64_t cycles) {

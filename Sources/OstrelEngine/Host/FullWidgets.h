@@ -58,6 +58,8 @@ public:
     /// Builds the skin; `cycles` is what its counter stood at before a refresh.
     std::shared_ptr<FullSkin> makeSkin(PackSkin skin, std::int64_t cycles);
     std::int64_t cycles() const;
+    /// From now on nobody reaches the skin, and what is shared is not asked for any more: the host may outlive it.
+    void skinDidStop();
     /// Null while there is none.
     void setPanel(WidgetPanel* panel);
     /// Where the window of a config that is shown for the first time stands by the skin's own word, bottom left corner,

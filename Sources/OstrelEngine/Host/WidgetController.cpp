@@ -238,7 +238,7 @@ void WidgetController::stop(NotifyManager notify) {
         skin_->stop();
     const auto skin = std::exchange(skin_, nullptr);
     if (fullHost_)
-        fullHost_->setPanel(nullptr);
+        fullHost_->skinDidStop();
     window_.reset();
     if (notify == NotifyManager::Yes && onStop)
         onStop(*this);

@@ -46,7 +46,7 @@ TEST(FullActionsTests, asksForWhatIsNotItsOwn) {
         // The window, with numbers as formulas.
         {"[!Move (10+5) ([M]*-1)]", {"move 15 -7"}},
         {"[!Move 1 2 Other\\Clock]", {"bang Other\\Clock Move 1 2"}},
-        {"[!Move 1e9 99999999999]", {"move 0 1000000"}},
+        {"[!Move 9999999999 99999999999]", {"move 1000000 1000000"}},
         {"[!SetWindowPosition 50% 10B 50% 100%]", {"move 860 970"}},
         {"[!SetWindowPosition 0@2 25%]", {"move 1820 25"}},
         {"[!SetAnchor 0 0][!SetWindowPosition 10R x]", {"move 1910 50"}},

@@ -188,7 +188,7 @@ TEST(NumericExpressionTests, agreesWithAScriptEngineOnGeneratedTexts) {
     const TemporaryFolder folder;
     const auto input = folder.write("texts.json", texts.dump());
     const auto output = folder.path() + "/values.json";
-    const std::string script = std::string(std::getenv("OSTREL_SOURCE")) + "/Tests/OstrelEngine/Widget/evaluate.js";
+    const std::string script = std::string(std::getenv("OSTREL_SOURCE")) + "/Tests/OstrelEngine/Runtime/evaluate.js";
     ASSERT_EQ(std::system(("node --expose-internals '" + script + "' <'" + input + "' >'" + output + "'").c_str()), 0);
     const auto values = nlohmann::json::parse(readAll(output));
     ASSERT_EQ(values.size(), texts.size());

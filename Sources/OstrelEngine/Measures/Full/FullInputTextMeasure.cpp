@@ -116,7 +116,8 @@ void FullInputTextMeasure::enqueueBatch(std::string_view range) {
     const auto first = parseInteger(trimmed(range.substr(0, dash)));
     const auto last = dash == std::string_view::npos ? first : parseInteger(trimmed(range.substr(dash + 1)));
     const bool isRange = first && last;
-    const auto begin = isRange ? *first : 1;
+    constexpr std::int64_t LargestNumber = 1000000;
+    const auto begin = isRange ? std::min(*first, LargestNumber) : 1;
     const auto end = std::min<std::int64_t>(isRange ? *last : LargestBatch, begin + LargestBatch);
     for (auto number = begin; number >= 1 && number <= end && pending_.size() < LargestBatch; ++number) {
         const auto* written = options().find("Command" + formatInteger(number));
