@@ -10,6 +10,7 @@
 #include "OstrelEngine/Meters/Full/FullMeterFactory.h"
 #include "OstrelEngine/Meters/Text/FontRegistry.h"
 #include "OstrelEngine/Runtime/GroupNames.h"
+#include "OstrelEngine/Runtime/SkinAtWork.h"
 #include "OstrelPlatform/MainQueue.h"
 #include "OstrelPlatform/Platform.h"
 
@@ -206,6 +207,7 @@ void FullSkin::armTimer() {
 }
 
 void FullSkin::performUpdate() {
+    const SkinAtWork work(skin_.folders.skinFile.c_str());
     runCycle();
     actionsDidEnd();
 }
@@ -408,6 +410,7 @@ std::unique_ptr<PointerRules> FullSkin::makePointerRules(const std::vector<Drawa
 }
 
 bool FullSkin::executeActionString(std::string_view action) {
+    const SkinAtWork work(skin_.folders.skinFile.c_str());
     const bool handled = actions_.runRaw(action, {});
     actionsDidEnd();
     return handled;
@@ -425,18 +428,21 @@ bool FullSkin::runFromConfig(std::string_view config, std::string_view action) {
 }
 
 bool FullSkin::runBang(const BangCall& call) {
+    const SkinAtWork work(skin_.folders.skinFile.c_str());
     const bool handled = actions_.runBang(call, {});
     actionsDidEnd();
     return handled;
 }
 
 bool FullSkin::runEventAction(std::string_view action, const ActionOrigin& origin) {
+    const SkinAtWork work(skin_.folders.skinFile.c_str());
     const bool handled = actions_.run(action, origin);
     actionsDidEnd();
     return handled;
 }
 
 void FullSkin::submitInputText(std::string_view measureName, std::string_view value) {
+    const SkinAtWork work(skin_.folders.skinFile.c_str());
     if (auto* input = measure(measureName))
         input->submitInput(value);
     actionsDidEnd();
