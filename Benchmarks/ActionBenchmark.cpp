@@ -6,6 +6,7 @@
 #include "OstrelCore/Files/AtomicFile.h"
 #include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Actions/INIFileWriter.h"
+#include "OstrelEngine/Actions/MeterPointer.h"
 #include "OstrelEngine/Runtime/SkinRuntime.h"
 #include "Support/FakePlatform.h"
 #include "Support/FakeSkinHost.h"
@@ -108,12 +109,12 @@ void hoversOverManyMeters(benchmark::State& state) {
     std::vector<Drawable> drawables;
     skin.host.onPublish = [&](const auto& list) { drawables = list; };
     skin.runtime->executeActionString("[!Redraw]");
-    const auto input = skin.runtime->makePointerRules(drawables);
+    MeterPointer pointer(drawables, {});
     int hits = 0;
     for (auto _ : state) {
         // Below all of them, so that every meter is asked.
-        input->mouseMoved({-5, -5});
-        hits += input.topmostDrawable({5, 30}) != nullptr;
+        pointer.mouseMoved({-5, -5});
+        hits += pointer.topmostDrawable({5, 30}) != nullptr;
     }
     if (hits != static_cast<int>(state.iterations()))
         state.SkipWithError("the pointer hit nothing");

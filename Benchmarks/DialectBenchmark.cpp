@@ -5,35 +5,15 @@
 #include "OstrelDialect/ActionText.h"
 #include "OstrelDialect/Formula.h"
 #include "OstrelDialect/References.h"
+#include "Support/AllocationCounter.h"
 
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
-#include <cstdlib>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-namespace {
-
-std::size_t allocations = 0;
-
-} // namespace
-
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size == 0 ? 1 : size))
-        return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace Ostrel {
 
@@ -54,10 +34,10 @@ BENCHMARK(compileFormula);
 
 void evaluateFormula(benchmark::State& state) {
     const auto formula = Formula::compile(TenOperators);
-    const auto before = allocations;
+    const auto before = allocationCount();
     for (auto _ : state)
         benchmark::DoNotOptimize(formula->evaluate());
-    if (allocations - before > 16)
+    if (allocationCount() - before > 16)
         state.SkipWithError("evaluation allocates");
 }
 BENCHMARK(evaluateFormula);
@@ -114,12 +94,12 @@ void followUnchangedText(benchmark::State& state) {
     auto scope = makeScope();
     LiveText text(TenReferences, ReferenceKinds::All);
     text.update(scope, "Here");
-    const auto before = allocations;
+    const auto before = allocationCount();
     for (auto _ : state) {
         scope.changes += static_cast<std::uint64_t>(state.range(0));
         benchmark::DoNotOptimize(text.update(scope, "Here"));
     }
-    if (allocations - before > 16)
+    if (allocationCount() - before > 16)
         state.SkipWithError("an unchanged text allocates");
 }
 BENCHMARK(followUnchangedText)->Arg(0)->Arg(1);
