@@ -1,5 +1,6 @@
 #include "OstrelDialect/PerlRegularExpression.h"
 
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelCore/Text/Text.h"
 
 #include <array>
@@ -34,7 +35,8 @@ PCRE2_SPTR units(std::string_view text) {
 std::string messageOf(int error, std::size_t offset) {
     std::array<PCRE2_UCHAR, 256> message{};
     pcre2_get_error_message(error, message.data(), message.size());
-    return std::string(reinterpret_cast<const char*>(message.data())) + " at " + std::to_string(offset);
+    return std::string(reinterpret_cast<const char*>(message.data())) + " at "
+        + formatInteger(static_cast<std::int64_t>(offset));
 }
 
 /// The replacement for one match put at the end of `result`.

@@ -1,5 +1,6 @@
 #include "OstrelEngine/Full/FullMeasureActions.h"
 
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelCore/Text/Text.h"
 #include "OstrelDialect/OptionValues.h"
 #include "OstrelEngine/Full/SkinScope.h"
@@ -7,6 +8,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <initializer_list>
 #include <utility>
 
@@ -28,7 +30,7 @@ std::optional<int> blockNumber(std::string_view key, std::string_view name) {
 }
 
 std::string numbered(std::string_view name, int number) {
-    return number == 1 ? std::string(name) : std::string(name) + std::to_string(number);
+    return number == 1 ? std::string(name) : std::string(name) + formatInteger(number);
 }
 
 std::string textOf(const Options& options, std::string_view key) {

@@ -1,4 +1,6 @@
 #include "OstrelCore/Text/Text.h"
+
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelEngine/Full/FullSkin.h"
 #include "OstrelEngine/Runtime/GroupNames.h"
 
@@ -148,7 +150,7 @@ std::vector<SkinMenuItem> FullSkin::menuItems() const {
     std::vector<SkinMenuItem> items;
     const auto* section = sections_.find("Rainmeter");
     for (std::size_t number = 1; section && number <= MaxItems; ++number) {
-        const auto tail = number == 1 ? std::string() : std::to_string(number);
+        const auto tail = number == 1 ? std::string() : formatInteger(number);
         const auto* written = section->effective("ContextTitle" + tail);
         const auto* action = section->effective("ContextAction" + tail);
         auto title = written ? scope_.resolveNow(*written, section->name(), ReferenceKinds::All) : std::string();

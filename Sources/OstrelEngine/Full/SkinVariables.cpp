@@ -1,9 +1,11 @@
 #include "OstrelEngine/Full/SkinVariables.h"
 
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelDialect/LiteralMarks.h"
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <limits>
 #include <utility>
 
@@ -89,7 +91,7 @@ void SkinVariables::setBuiltIn(std::string_view name, std::string text) {
 
 void SkinVariables::setArea(std::string_view prefix, std::string_view suffix, const ScreenArea& area) {
     const auto setSide = [&](std::string_view side, int value) {
-        setBuiltIn(std::string(prefix) + std::string(side) + std::string(suffix), std::to_string(value));
+        setBuiltIn(std::string(prefix) + std::string(side) + std::string(suffix), formatInteger(value));
     };
     setSide("X", area.x);
     setSide("Y", area.y);
@@ -99,7 +101,7 @@ void SkinVariables::setArea(std::string_view prefix, std::string_view suffix, co
 
 void SkinVariables::setPlace(const SkinPlace& place, Size window) {
     setArea("CURRENTCONFIG", "", {place.x, place.y, whole(window.width), whole(window.height)});
-    setBuiltIn("CURRENTCONFIGZPOS", std::to_string(place.zPosition));
+    setBuiltIn("CURRENTCONFIGZPOS", formatInteger(place.zPosition));
     if (screens_ == place.screens && primary_ == place.primary)
         return;
     screens_ = place.screens;
@@ -108,7 +110,7 @@ void SkinVariables::setPlace(const SkinPlace& place, Size window) {
     ScreenArea all = primary.whole;
     // The number of a screen that is not there, or not any more, stands for the primary one.
     for (std::size_t i = 0; i < std::max(MostScreens, screens_.size()); ++i) {
-        const auto suffix = "@" + std::to_string(i + 1);
+        const auto suffix = "@" + formatInteger(static_cast<std::int64_t>(i + 1));
         const auto& screen = i < screens_.size() ? screens_[i] : primary;
         setArea("SCREENAREA", suffix, screen.whole);
         setArea("WORKAREA", suffix, screen.work);

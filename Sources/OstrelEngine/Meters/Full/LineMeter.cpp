@@ -1,11 +1,13 @@
 #include "OstrelEngine/Meters/Full/LineMeter.h"
 
+#include "OstrelCore/Text/Numbers.h"
 #include "OstrelCore/Text/Text.h"
 #include "OstrelEngine/Meters/Full/DevicePicture.h"
 #include "OstrelEngine/Meters/Painting.h"
 
 #include <QPainter>
 #include <QPolygonF>
+#include <cstdint>
 
 #include <algorithm>
 #include <cmath>
@@ -59,7 +61,7 @@ void LineMeter::readOptions() {
     const int count = std::clamp(integer("LineCount"_key, 1), 0, MostLines);
     for (int i = 1; i <= count; ++i) {
         const auto numbered = [&](std::string name) -> std::string_view {
-            const auto* value = options().find(i == 1 ? name : name + std::to_string(i));
+            const auto* value = options().find(i == 1 ? name : name + formatInteger(static_cast<std::int64_t>(i)));
             return value ? std::string_view(*value) : std::string_view();
         };
         const auto color = OptionValues::color(numbered("LineColor"));
